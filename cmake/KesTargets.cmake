@@ -1,0 +1,37 @@
+# What all targets of the project share.
+
+add_library(kes_options INTERFACE)
+target_compile_features(kes_options INTERFACE cxx_std_20)
+target_compile_options(
+    kes_options
+    INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual
+              -Wformat=2 -Wimplicit-fallthrough -Werror -fvisibility=hidden
+              # GCC 12 reports copies of short strings as overlapping; they are not.
+              $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+if(KES_SANITIZE)
+    target_compile_options(kes_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
+                                                 -fno-omit-frame-pointer)
+    target_link_options(kes_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# kes_internal_library(NAME SOURCES...): a static library for use inside the project only.
+function(kes_internal_library name)
+    add_library(${name} STATIC ${ARGN})
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_EXTENSIONS OFF)
+    target_link_libraries(${name} PUBLIC kes_options)
+endfunction()
+
+# kes_plugin(TARGET FILE_NAME SOURCES...): a plug-in module FILE_NAME.kpm in the plug-in folder.
+function(kes_plugin target file)
+    add_library(${target} MODULE ${ARGN})
+    set_target_properties(
+        ${target}
+        PROPERTIES OUTPUT_NAME ${file}
+                   PREFIX ""
+                   SUFFIX ".kpm"
+                   CXX_EXTENSIONS OFF
+                   LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${KES_PLUGIN_DIR}
+                   INSTALL_RPATH "$ORIGIN/../..")
+    target_link_libraries(${target} PRIVATE kes_options kesconfigtools)
+    install(TARGETS ${target} LIBRARY DESTINATION ${KES_PLUGIN_DIR})
+endfunction()

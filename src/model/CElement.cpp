@@ -1,0 +1,89 @@
+#include "model/CElement.h"
+
+#include "messages/CTheMsgHnd.h"
+#include "model/IConfigWriter.h"
+#include "model/Words.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace VemoKesConfigTools {
+
+CElement::CElement(std::uint32_t psid, const std::vector<IPayload*>& payloads, bool changed)
+    : mPsid(psid), mValid(true), mChanged(changed), mPayloads(payloads) {}
+
+CElement::~CElement() {
+    for (const IPayload* payload : mPayloads) delete payload;
+}
+
+bool CElement::Write(IConfigWriter& writer, IConfigContext& context) {
+    static const std::string index(STR_HEADER_INDEX);
+    const std::uint64_t errorsBefore = CTheMsgHnd::ErrorsEver();
+    writer.BeginElement(context);
+    writer.WriteUid(mPsid, context);
+    for (const std::uint32_t value : Indices()) writer.WriteHeaderInfo(index, &value, sizeof value, context);
+    for (IPayload* payload : mPayloads) payload->Write(writer, context);
+    writer.EndElement(context);
+    return CTheMsgHnd::ErrorsEver() == errorsBefore;
+}
+
+bool CElement::operator==(const CElement& other) const {
+    return mValid == other.mValid && mPsid == other.mPsid && std::ranges::equal(Indices(), other.Indices()) &&
+           std::equal(mPayloads.begin(), mPayloads.end(), other.mPayloads.begin(), other.mPayloads.end(),
+                      [](const IPayload* left, const IPayload* right) { return *left == *right; });
+}
+
+bool CElement::operator!=(const CElement& other) const { return !(*this == other); }
+
+std::string CElement::KeyString() const { return MakeKeyString(mPsid, Indices()); }
+
+std::string CElement::ToString() const {
+    std::string text = KeyString() + " =";
+    for (const IPayload* payload : mPayloads) text += " " + payload->ToString();
+    return text;
+}
+
+std::uint32_t CElement::Size() const {
+    auto size = static_cast<std::uint32_t>(Indices().size_bytes());
+    for (const IPayload* payload : mPayloads) size += payload->Length();
+    return size;
+}
+
+bool CElement::IsValid() const { return mValid; }
+
+bool CElement::HasChanged() const { return mChanged; }
+
+void CElement::ClearPayload() {
+    for (const IPayload* payload : mPayloads) delete payload;
+    mPayloads.clear();
+    mChanged = true;
+}
+
+bool CElement::Same(CElement& other) const {
+    return mPsid == other.mPsid && std::ranges::equal(Indices(), other.Indices());
+}
+
+std::span<const std::uint32_t> CElement::Indices() const { return {}; }
+
+std::string MakeKeyString(std::uint32_t psid, std::span<const std::uint32_t> indices) {
+    std::string key = std::to_string(psid);
+    for (const std::uint32_t index : indices) key.append(1, '.').append(std::to_string(index));
+    return key;
+}
+
+bool ParseKeyString(const std::string& key, std::uint32_t& psid, std::vector<std::uint32_t>& indices) {
+    indices.clear();
+    const char* const end = key.data() + key.size();
+    auto [next, error] = std::from_chars(key.data(), end, psid);
+    while (error == std::errc() && next != end) {
+        std::uint32_t index = 0;
+        if (*next != '.') return false;
+        const auto result = std::from_chars(next + 1, end, index);
+        next = result.ptr;
+        error = result.ec;
+        indices.push_back(index);
+    }
+    return error == std::errc();
+}
+
+}  // namespace VemoKesConfigTools

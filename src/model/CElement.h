@@ -1,0 +1,69 @@
+#pragma once
+
+#include "messages/Export.h"
+#include "model/IMetadataUser.h"
+#include "model/IPayload.h"
+#include "model/IWritable.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace VemoKesConfigTools {
+
+/// One key of one subsystem with its payloads, which it owns. An element without arguments stands for "not
+/// found". Slot order is contract.
+class KES_API CElement : public IWritable, public IMetadataUser {
+public:
+    /// The element that is not valid.
+    CElement() = default;
+    /// Takes over the payloads. `changed` tells that the element differs from what was read.
+    CElement(std::uint32_t psid, const std::vector<IPayload*>& payloads, bool changed);
+    CElement(const CElement&) = delete;
+    CElement& operator=(const CElement&) = delete;
+
+    /// Drives the writer: begin, number, indexes, payloads, end. True when no error was stored meanwhile.
+    bool Write(IConfigWriter& writer, IConfigContext& context) override;
+    ~CElement() override;
+    /// Same key and equal payloads.
+    virtual bool operator==(const CElement& other) const;
+    virtual bool operator!=(const CElement& other) const;
+    /// The psid in decimal, then "." and each index in decimal.
+    virtual std::string KeyString() const;
+    /// Key and values for people to read.
+    virtual std::string ToString() const;
+    /// Size of the values and indexes in bytes.
+    virtual std::uint32_t Size() const;
+    /// False for the element that stands for "not found".
+    virtual bool IsValid() const;
+    /// Whether the element was changed since it was read.
+    virtual bool HasChanged() const;
+    /// Deletes all payloads.
+    virtual void ClearPayload();
+    /// Whether both are elements of one key.
+    virtual bool Same(CElement& other) const;
+    /// The indexes of the key; none for a plain one.
+    virtual std::span<const std::uint32_t> Indices() const;
+
+    void Use(const IMetadata& metadata) override { mpMetadata = &metadata; }
+    const IMetadata* Metadata() const override { return mpMetadata; }
+
+    std::uint32_t PsId() const { return mPsid; }
+    const std::vector<IPayload*>& Payloads() const { return mPayloads; }
+
+private:
+    std::uint32_t mPsid = 0;
+    bool mValid = false;
+    bool mChanged = false;
+    std::vector<IPayload*> mPayloads;
+    const IMetadata* mpMetadata = nullptr;
+};
+
+/// The key string of a key number and its indexes.
+KES_API std::string MakeKeyString(std::uint32_t psid, std::span<const std::uint32_t> indices);
+
+/// The reverse of `MakeKeyString`. False for a text that is no key string.
+KES_API bool ParseKeyString(const std::string& key, std::uint32_t& psid, std::vector<std::uint32_t>& indices);
+
+}  // namespace VemoKesConfigTools

@@ -1,0 +1,7 @@
+#include "model/CNullMetadata.h"
+
+namespace VemoKesConfigTools {
+
+const CNullMetadata CNullMetadata::mInstance;
+
+}  // namespace VemoKesConfigTools

@@ -1,0 +1,10 @@
+#include "model/CStoreInfo.h"
+
+namespace VemoKesConfigTools {
+
+void ClearStoreList(std::list<CStoreInfo*>& stores) {
+    for (const CStoreInfo* store : stores) delete store;
+    stores.clear();
+}
+
+}  // namespace VemoKesConfigTools

@@ -1,0 +1,94 @@
+#include "model/CSubsystemConfig.h"
+
+#include "model/CElement.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace VemoKesConfigTools {
+
+std::size_t CSubsystemConfig::SlotHash::operator()(const Key& key) const noexcept {
+    std::uint64_t hash = (key.psid + 1ULL) * 0x9E3779B97F4A7C15ULL;
+    for (const std::uint32_t index : key.indices) {
+        hash = (hash ^ (hash >> 29U) ^ (index + 1ULL)) * 0xBF58476D1CE4E5B9ULL;
+    }
+    return static_cast<std::size_t>(hash ^ (hash >> 32U));
+}
+
+std::size_t CSubsystemConfig::SlotHash::operator()(const Slot& slot) const noexcept {
+    return (*this)(KeyOf(**slot.first));
+}
+
+bool CSubsystemConfig::SlotEqual::operator()(const Slot& left, const Slot& right) const noexcept {
+    return (*this)(KeyOf(**left.first), right);
+}
+
+bool CSubsystemConfig::SlotEqual::operator()(const Key& left, const Slot& right) const noexcept {
+    const Key other = KeyOf(**right.first);
+    return left.psid == other.psid && std::ranges::equal(left.indices, other.indices);
+}
+
+CSubsystemConfig::Key CSubsystemConfig::KeyOf(const CElement& element) {
+    return {element.PsId(), element.Indices()};
+}
+
+CSubsystemConfig::CSubsystemConfig(const CKesContext& context) : mContext(context) {}
+
+CSubsystemConfig::~CSubsystemConfig() {
+    for (const CElement* element : mElements) delete element;
+}
+
+bool CSubsystemConfig::OnElementFound(CElement* element, IConfigContext& context) {
+    const auto found = mSlots.find(KeyOf(*element));
+    if (found == mSlots.end()) {
+        Append(element);
+    } else if (context.TagMatches(STR_INSERT_MODE, STR_APPEND)) {
+        if (!found->others) found->others = std::make_unique<std::vector<ElementList::iterator>>();
+        found->others->push_back(mElements.insert(mElements.end(), element));
+    } else {
+        DropOthers(*found);
+        delete std::exchange(*found->first, element);
+    }
+    return true;
+}
+
+void CSubsystemConfig::Append(CElement* element) {
+    mSlots.insert({mElements.insert(mElements.end(), element), nullptr});
+    if (!element->Indices().empty()) ++mIndexedSlots[element->PsId()];
+}
+
+bool CSubsystemConfig::ElementsIsEmpty(std::uint32_t psid) const {
+    return !mSlots.contains(Key{psid, {}}) && !mIndexedSlots.contains(psid);
+}
+
+void CSubsystemConfig::RemoveElement(std::uint32_t psid, const std::vector<std::uint32_t>* indices) {
+    const auto found =
+        mSlots.find(Key{psid, indices ? std::span(*indices) : std::span<const std::uint32_t>()});
+    if (found == mSlots.end()) return;
+    DropOthers(*found);
+    const ElementList::iterator first = found->first;
+    const std::unique_ptr<const CElement> element(*first);
+    mSlots.erase(found);
+    mElements.erase(first);
+    if (element->Indices().empty()) return;
+    const auto count = mIndexedSlots.find(psid);
+    if (--count->second == 0) mIndexedSlots.erase(count);
+}
+
+void CSubsystemConfig::DropOthers(const Slot& slot) {
+    if (!slot.others) return;
+    for (const ElementList::iterator other : *slot.others) {
+        delete *other;
+        mElements.erase(other);
+    }
+    slot.others.reset();
+}
+
+CElement* CSubsystemConfig::Find(std::uint32_t psid, std::span<const std::uint32_t> indices) const {
+    const auto found = mSlots.find(Key{psid, indices});
+    if (found == mSlots.end()) return nullptr;
+    return found->others ? *found->others->back() : *found->first;
+}
+
+}  // namespace VemoKesConfigTools

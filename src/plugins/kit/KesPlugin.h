@@ -1,0 +1,66 @@
+#pragma once
+
+// The door for authors of plug-ins. A plug-in is one module file `NAME.kpm` that links against the library:
+//
+//     #include "plugins/kit/KesPlugin.h"
+//
+//     class MyReader final : public VemoKesConfigTools::IConfigReader { ... };
+//
+//     static VemoKesConfigTools::IConfigReader* CreateReader(const char* connection, void* argument) {
+//         return VemoKesConfigTools::KesPluginCreate<VemoKesConfigTools::IConfigReader>(
+//             [&] { return new MyReader(connection, argument); });
+//     }
+//
+//     KES_PLUGIN_DESCRIBE("MyFormat", CreateReader, nullptr, nullptr, nullptr)
+//
+// The creators may be called on any thread, and any number of times.
+
+#include "messages/CTheMsgHnd.h"
+#include "model/IConfigReader.h"
+#include "model/IConfigWriter.h"
+#include "model/IMetadataProvider.h"
+#include "model/IStoreManager.h"
+#include "model/PluginDescriptor.h"
+
+#include <exception>
+#include <string>
+
+#if defined(_WIN32)
+#define KES_PLUGIN_EXPORT extern "C" __declspec(dllexport)
+#else
+#define KES_PLUGIN_EXPORT extern "C" __attribute__((visibility("default")))
+#endif
+
+/// Defines the entry function of the plug-in. `name` is a text constant; each creator is a function or
+/// nullptr.
+#define KES_PLUGIN_DESCRIBE(name, createReader, createWriter, createStoreManager, createMetadataProvider) \
+    KES_PLUGIN_EXPORT const VemoKesConfigTools::KesPluginDescriptor* KesPluginDescribe() {                \
+        static const VemoKesConfigTools::KesPluginDescriptor descriptor = {                               \
+            VemoKesConfigTools::KES_PLUGIN_ABI_VERSION,                                                   \
+            name,                                                                                         \
+            createReader,                                                                                 \
+            createWriter,                                                                                 \
+            createStoreManager,                                                                           \
+            createMetadataProvider};                                                                      \
+        return &descriptor;                                                                               \
+    }
+
+namespace VemoKesConfigTools {
+
+/// Runs the body of a creator. An exception becomes an error of number 1 and a null result.
+template <typename Interface, typename Make>
+Interface* KesPluginCreate(Make make) noexcept {
+    std::string reason;
+    try {
+        return make();
+    } catch (const std::exception& error) {
+        reason = error.what();
+    } catch (...) {
+        reason = "unknown exception";
+    }
+    CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, "KesPluginCreate", false)
+        .SetErrorMsg(1, reason);
+    return nullptr;
+}
+
+}  // namespace VemoKesConfigTools
