@@ -18,7 +18,7 @@ public:
           mLine(line),
           mFile(file),
           mFunction(function),
-          mExitPrinted(!CTheMsgHnd::DebugActivated()) {
+          mExitPrinted(handler == nullptr || !CTheMsgHnd::DebugActivated()) {
         if (!mExitPrinted) TraceEntry();
     }
     CDebugSentry(const CDebugSentry&) = delete;

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <array>
+#include <string_view>
+
+namespace VemoKesConfigTools {
+
+/// A set of characters with a constant-time test.
+class CCharSet {
+public:
+    constexpr explicit CCharSet(std::string_view characters) {
+        for (const char c : characters) mHolds[static_cast<unsigned char>(c)] = true;
+    }
+    /// Whether the set holds the character, given as 0 to 255; the end of the text, -1, is in no set.
+    constexpr bool Holds(int c) const { return c >= 0 && mHolds[static_cast<unsigned char>(c)]; }
+
+private:
+    std::array<bool, 256> mHolds{};
+};
+
+inline constexpr CCharSet WHITESPACE_CHARS(" \t");
+inline constexpr CCharSet NAME_CHARS("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_0123456789");
+inline constexpr CCharSet KEYWORD_CHARS("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_");
+inline constexpr CCharSet ENUM_CHARS("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_0123456789-");
+
+/// Whether two texts are equal when the case of ASCII letters does not count.
+constexpr bool EqualsIgnoringCase(std::string_view left, std::string_view right) {
+    if (left.size() != right.size()) return false;
+    for (std::size_t i = 0; i < left.size(); ++i) {
+        const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+        if (lower(left[i]) != lower(right[i])) return false;
+    }
+    return true;
+}
+
+}  // namespace VemoKesConfigTools
