@@ -128,6 +128,8 @@ void CParser::Deliver(const CName& name, COwnedPayloads& payloads, const IMetada
         std::make_unique<CIndexedElement>(name.mId, name.mKeyName, name.mIndices, payloads.List(), false);
     payloads.Release();
     element->Use(metadata);
+    // A line whose place nobody was told about has no taker for its element.
+    if (mpParseContext->mpElementObserver == nullptr) return;
     mpParseContext->mpElementObserver->OnElementFound(element.release(), *mpParseContext->mpConfigContext);
 }
 

@@ -56,13 +56,15 @@ CParserError ReadHexNumber(CTextReader& source, T& value, std::uint16_t digits) 
 /// decimal ::= ["+" | "-"] digit{digit}          the "-" only for a signed `T`
 /// The range is exactly that of `T`: `PE_NUMBER_TOO_LARGE` or `PE_NUMBER_TOO_SMALL` at the digit that would
 /// leave it. `PE_UNSIGNED_EXPECTED` at a "-" that must not be, `PE_NUMBER_EXPECTED` where the first digit
-/// should stand. `value` holds what was read so far, with its sign; `count` is the number of digits.
+/// should stand. `value` holds what was read so far, with its sign; `count` is the
+/// number of digits, modulo 65536.
 template <typename T>
 CParserError ReadDecimalNumber(CTextReader& source, T& value, std::uint16_t& count) {
     value = 0;
     count = 0;
     CCharCursor cursor(source);
     bool negative = false;
+    bool any = false;  // told apart from the count, which may wrap to 0
     if (cursor.Peek() == '-') {
         if constexpr (std::is_unsigned_v<T>) return PE_UNSIGNED_EXPECTED;
         negative = true;
@@ -83,9 +85,10 @@ CParserError ReadDecimalNumber(CTextReader& source, T& value, std::uint16_t& cou
         }
         magnitude = magnitude * 10 + digit;
         cursor.Skip();
+        any = true;
         ++count;
     }
-    if (result.Ok() && count == 0) result.SetCode(PE_NUMBER_EXPECTED);
+    if (result.Ok() && !any) result.SetCode(PE_NUMBER_EXPECTED);
     value = static_cast<T>(negative ? 0 - magnitude : magnitude);
     return result;
 }
