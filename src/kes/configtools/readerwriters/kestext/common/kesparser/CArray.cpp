@@ -9,9 +9,14 @@ CParserError CArray::Parse(const IMetadata& metadata, CParseContext* context) {
     CParserError result;
     KESTEXT_SENTRY_RETURNING("CArray::Parse", result);
     if (mpSource->GetChar() != '{') return result = PE_MISSING_OPENING_BRACE;
+    const auto lo = static_cast<std::uint64_t>(metadata.ArrayMinLength());
+    const auto hi = static_cast<std::uint64_t>(metadata.ArrayMaxLength());
+    std::uint64_t count = 0;
     for (;;) {
         SkipWhitespace();
         if (result = ParseItem(metadata, context); !result.Ok()) return result;
+        // Items beyond the limit are counted for the message; a line of millions of them takes no memory.
+        if (++count > hi) mItems.pop_back();
         SkipWhitespace();
         if (mpSource->PeekChar() == '}') break;
         const char comma = mpSource->GetChar();
@@ -20,13 +25,11 @@ CParserError CArray::Parse(const IMetadata& metadata, CParseContext* context) {
     }
     mpSource->Skip(1);
 
-    const auto lo = static_cast<std::uint64_t>(metadata.ArrayMinLength());
-    const auto hi = static_cast<std::uint64_t>(metadata.ArrayMaxLength());
-    if (mItems.size() < lo || mItems.size() > hi) {
+    if (count < lo || count > hi) {
         const std::string range =
             lo == hi ? std::to_string(hi) : "between " + std::to_string(lo) + " and " + std::to_string(hi);
         result = {PE_WRONG_ARRAY_LENGTH,
-                  "must have " + range + " items. " + std::to_string(mItems.size()) + " found."};
+                  "must have " + range + " items. " + std::to_string(count) + " found."};
     }
     return result;
 }

@@ -19,15 +19,16 @@ char CUTF8CodedFile::ReadChar() {
 
 void CUTF8CodedFile::ReadAll(std::string& text) {
     constexpr std::size_t BLOCK = 64UL * 1024UL;
-    while (mpStream->good()) {
-        // What the stream knows to have is read at once, so that a large text is not moved as it grows.
+    // What the stream knows to have is read at once, and no room is made before more is seen to come, so that
+    // a large text is not moved as it grows.
+    do {
         const std::streamsize known = mpStream->rdbuf()->in_avail();
         const std::size_t block = std::max(BLOCK, known > 0 ? static_cast<std::size_t>(known) : 0);
         const std::size_t before = text.size();
         text.resize(before + block);
         mpStream->read(text.data() + before, static_cast<std::streamsize>(block));
         text.resize(before + static_cast<std::size_t>(mpStream->gcount()));
-    }
+    } while (mpStream->good() && mpStream->peek() != std::istream::traits_type::eof());
 }
 
 char CUCS2LECodedFile::ReadChar() {
