@@ -1,0 +1,179 @@
+#include "facade/FrameworkFacade.h"
+
+#include "facade/Framework.h"
+#include "messages/CTheMsgHnd.h"
+#include "model/CChipConfig.h"
+#include "model/CKesContext.h"
+#include "model/CMetadataProviderFactory.h"
+#include "model/CReaderWriterFactory.h"
+#include "model/CStoreInfo.h"
+#include "model/CSubsystemConfig.h"
+#include "model/IConfigReader.h"
+#include "model/IConfigWriter.h"
+#include "model/IMetadataProvider.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <utility>
+
+namespace VEMO::Kes::ConfigurationTools {
+
+using namespace VemoKesConfigTools;
+
+namespace {
+
+#define KES_FACADE_FUNCTION(name) "VEMO::Kes::ConfigurationTools::FrameworkFacade::" name
+
+constexpr const char* NO_PROVIDER = "sqlite metadata plugin not found.";
+constexpr const char* NO_KESTEXT = "KesText readerwriter plugin not found.";
+constexpr const char* NO_PACKINT = "Packint readerwriter plugin not found.";
+
+constexpr std::int16_t ERROR_DATA = 0;
+constexpr std::int16_t ERROR_PLUGIN = 1;
+constexpr std::int32_t FILE_TYPE = 1;
+
+CMessageHandler& DefaultHandler(const char* function) {
+    CTheMsgHnd::Instance();
+    return CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, function, false);
+}
+
+/// Stores an error, and is the false that the operation gives.
+bool Fail(const char* function, std::int16_t number, const char* text) {
+    DefaultHandler(function).SetErrorMsg(number, text);
+    return false;
+}
+
+/// The context of a whole load.
+CKesContext LoadContext(const Chip& chip) {
+    CKesContext context;
+    context.SetChip(Framework::GetString(chip.SystemVersionLabel()));
+    context.SetFileType(FILE_TYPE);
+    context.SetTag(STR_INSERT_MODE, STR_OVERWRITE);
+    return context;
+}
+
+}  // namespace
+
+FrameworkFacade::FrameworkFacade(const HostString& dbName) {
+    constexpr const char* FUNCTION = KES_FACADE_FUNCTION("FrameworkFacade");
+    CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_MANAGED_API, FUNCTION, true);
+    mpFileChip = std::make_unique<CChipConfig>();
+    mpDefaultChip = std::make_unique<CChipConfig>();
+    mpProvider.reset(CMetadataProviderFactory::Ref().Create("sqlite", Framework::GetString(dbName)));
+    mpBuffer = std::make_unique<std::stringstream>(std::ios::in | std::ios::out | std::ios::binary);
+    std::iostream* const stream = mpBuffer.get();
+    CReaderWriterFactory& factory = CReaderWriterFactory::Ref();
+
+    mpBuffWriter.reset(factory.CreateWriter("KesText", "", stream));
+    if (mpBuffWriter) mpBuffWriter->SetMetadataProvider(mpProvider.get());
+    mpTextReader.reset(factory.CreateReader("KesText", "", stream));
+    mpBinaryReader.reset(factory.CreateReader("Packint", "", stream));
+    for (IConfigReader* reader : {mpTextReader.get(), mpBinaryReader.get()}) {
+        if (reader == nullptr) continue;
+        reader->SetMetadataProvider(mpProvider.get());
+        reader->SetObserver(mpFileChip.get());
+    }
+
+    if (!mpProvider) Fail(FUNCTION, ERROR_PLUGIN, NO_PROVIDER);
+    if (!mpBuffWriter || !mpTextReader) Fail(FUNCTION, ERROR_PLUGIN, NO_KESTEXT);
+    if (!mpBinaryReader) Fail(FUNCTION, ERROR_PLUGIN, NO_PACKINT);
+}
+
+FrameworkFacade::~FrameworkFacade() { Dispose(); }
+
+void FrameworkFacade::Dispose() {
+    mpBinaryReader.reset();
+    mpTextReader.reset();
+    mpBuffWriter.reset();
+    mpBuffer.reset();
+    mpProvider.reset();
+    mpDefaultChip.reset();
+    mpFileChip.reset();
+}
+
+void FrameworkFacade::OwningChip(std::shared_ptr<Chip> chip) {
+    mOwningChip = std::move(chip);
+    if (mpFileChip) mpFileChip->Clear();
+    if (mpDefaultChip) mpDefaultChip->Clear();
+}
+
+bool FrameworkFacade::LoadBlank() {
+    constexpr const char* FUNCTION = KES_FACADE_FUNCTION("LoadBlank");
+    DefaultHandler(FUNCTION).ClearError(CMessageHandler::GROUP_DEFAULT);
+    if (!mpFileChip) return true;
+    EmptyBuffer();
+    mpFileChip->PrepareForChip(mOwningChip ? mOwningChip->ChipId() : std::uint16_t{0});
+    return true;
+}
+
+bool FrameworkFacade::IsMixedSubsystemTypes() const { return mpFileChip && mpFileChip->IsHeterogeneous(); }
+
+bool FrameworkFacade::LoadText(const HostString& filePath, bool merge) {
+    constexpr const char* FUNCTION = KES_FACADE_FUNCTION("LoadText");
+    DefaultHandler(FUNCTION).ClearError(CMessageHandler::GROUP_DEFAULT);
+    if (!CanRead(FUNCTION)) return false;
+    EmptyBuffer();
+    if (!merge) mpFileChip->PrepareForChip(mOwningChip->ChipId());
+    if (!FillBuffer(Framework::GetString(filePath))) {
+        return Fail(FUNCTION, ERROR_DATA, "The text file is zero length. No config data found.");
+    }
+    CKesContext context = LoadContext(*mOwningChip);
+    mpProvider->MetadataList(context, true);
+    return mpTextReader->Read(context);
+}
+
+HostListRef<std::shared_ptr<Store>> FrameworkFacade::GetStores() const {
+    if (!mpFileChip) return nullptr;
+    auto list = std::make_shared<std::vector<std::shared_ptr<Store>>>();
+    for (const CStoreInfo* store : mpFileChip->Stores()) {
+        list->push_back(std::make_shared<Store>(static_cast<std::uint16_t>(store->DeviceId()),
+                                                store->StoreId(), store->StoreSize(), store->StoreSizeFree(),
+                                                store->Paired()));
+    }
+    return list;
+}
+
+HostListRef<std::shared_ptr<Place>> FrameworkFacade::GetPlaces() const {
+    if (!mpFileChip) return nullptr;
+    auto list = std::make_shared<std::vector<std::shared_ptr<Place>>>();
+    for (const auto& [number, subsystem] : mpFileChip->Subsystems()) {
+        const CKesContext& place = subsystem->Place();
+        list->push_back(std::make_shared<Place>(static_cast<SubsystemTypes>(place.SubsystemType()),
+                                                place.Device(), place.Store(),
+                                                static_cast<std::uint32_t>(subsystem->Elements().size())));
+    }
+    return list;
+}
+
+/// Whether all is there that reading a text needs; stores why not.
+bool FrameworkFacade::CanRead(const char* function) const {
+    if (!mpProvider) return Fail(function, ERROR_PLUGIN, NO_PROVIDER);
+    if (!mpTextReader) return Fail(function, ERROR_PLUGIN, NO_KESTEXT);
+    if (!mOwningChip) return Fail(function, ERROR_DATA, "no chip is set");
+    return true;
+}
+
+void FrameworkFacade::EmptyBuffer() {
+    mpBuffer->str(std::string());
+    mpBuffer->clear();
+}
+
+/// Makes a whole file the content of the buffer. False when the file is empty or cannot be read.
+bool FrameworkFacade::FillBuffer(const std::string& path) {
+    std::error_code ignored;
+    // A folder can be opened as a file on some systems, with a size that means nothing.
+    if (std::filesystem::is_directory(path, ignored)) return false;
+    std::ifstream file(path, std::ios::binary);
+    file.seekg(0, std::ios::end);
+    const auto size = static_cast<std::streamoff>(file.tellg());
+    if (size <= 0) return false;
+    std::string content(static_cast<std::size_t>(size), '\0');
+    file.seekg(0);
+    file.read(content.data(), size);
+    content.resize(static_cast<std::size_t>(file.gcount()));
+    mpBuffer->str(std::move(content));
+    return true;
+}
+
+}  // namespace VEMO::Kes::ConfigurationTools

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+namespace VEMO::Kes::ConfigurationTools {
+
+/// A list of the host API. Shared between all who hold it, and may be null.
+template <typename T>
+using HostListRef = std::shared_ptr<std::vector<T>>;
+
+/// A map of the host API: walks in the order of insertion and finds by key. A key can be added once, and only
+/// keys that are there can be asked for; both failures leave the map as it was.
+template <typename Key, typename Value>
+class HostMap {
+public:
+    using Entry = std::pair<Key, Value>;
+    using const_iterator = typename std::vector<Entry>::const_iterator;
+
+    /// Throws `std::invalid_argument` when the key is there already.
+    void Add(Key key, Value value) {
+        if (mPositions.contains(key)) throw std::invalid_argument("the map holds this key already");
+        mEntries.emplace_back(key, std::move(value));
+        try {
+            mPositions.emplace(std::move(key), mEntries.size() - 1);
+        } catch (...) {
+            mEntries.pop_back();
+            throw;
+        }
+    }
+    /// Throws `std::out_of_range` when the key is not there.
+    const Value& Item(const Key& key) const {
+        const Value* value = Find(key);
+        if (value == nullptr) throw std::out_of_range("the map does not hold this key");
+        return *value;
+    }
+    /// The value of a key, null when it is not there.
+    const Value* Find(const Key& key) const {
+        const auto found = mPositions.find(key);
+        return found == mPositions.end() ? nullptr : &mEntries[found->second].second;
+    }
+    bool Contains(const Key& key) const { return mPositions.contains(key); }
+    std::size_t Count() const { return mEntries.size(); }
+    const_iterator begin() const { return mEntries.begin(); }
+    const_iterator end() const { return mEntries.end(); }
+
+private:
+    std::vector<Entry> mEntries;
+    std::map<Key, std::size_t> mPositions;
+};
+
+/// A map shared between all who hold it; may be null.
+template <typename Key, typename Value>
+using HostMapRef = std::shared_ptr<HostMap<Key, Value>>;
+
+}  // namespace VEMO::Kes::ConfigurationTools

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "messages/Export.h"
+
+#include <compare>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+namespace VEMO::Kes::ConfigurationTools {
+
+/// The text of the host API: 16-bit Unicode (UTF-16) that can be null. Null and empty differ.
+///
+/// Made from and turned into UTF-8, the narrow encoding of the library. What is not valid in the one comes
+/// out as U+FFFD in the other, a lone surrogate too. A text ends at its first NUL.
+class KES_API HostString {
+public:
+    /// Null.
+    HostString() = default;
+    HostString(std::nullptr_t) {}
+    /// From UTF-8. A null pointer gives null.
+    HostString(const char* utf8);
+    HostString(std::string_view utf8);
+    HostString(const std::string& utf8) : HostString(std::string_view(utf8)) {}
+    explicit HostString(std::u16string text) : mText(std::move(text)) {}
+
+    bool IsNull() const { return !mText.has_value(); }
+    /// Whether it is null or has no character.
+    bool IsNullOrEmpty() const { return !mText || mText->empty(); }
+    /// The text in UTF-8 up to the first NUL; empty for null.
+    std::string ToNarrow() const;
+    /// The units of the text; empty for null.
+    std::u16string_view Units() const { return mText ? std::u16string_view(*mText) : std::u16string_view(); }
+
+    bool operator==(const HostString&) const = default;
+    auto operator<=>(const HostString&) const = default;
+
+private:
+    std::optional<std::u16string> mText;
+};
+
+/// Writes UTF-8; null shows as nothing.
+KES_API std::ostream& operator<<(std::ostream& stream, const HostString& text);
+
+}  // namespace VEMO::Kes::ConfigurationTools

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "host/HostCollections.h"
+#include "host/HostString.h"
+#include "metadata/StructField.h"
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+namespace VEMO::Kes::ConfigurationTools {
+
+/// What an enum or struct key has beyond its simple fields.
+class MetadataDetails {
+public:
+    using EnumMapRef = HostMapRef<HostString, std::int32_t>;
+    using FieldListRef = HostListRef<std::shared_ptr<StructField>>;
+
+    explicit MetadataDetails(HostString enumStructTypeName)
+        : mEnumStructType(std::move(enumStructTypeName)),
+          mEnums(std::make_shared<HostMap<HostString, std::int32_t>>()),
+          mStructFields(std::make_shared<std::vector<std::shared_ptr<StructField>>>()) {}
+
+    /// Name of the enum or struct type; empty for a simple key.
+    const HostString& EnumStructTypeName() const { return mEnumStructType; }
+    /// The enumerators with their values in ascending order of the names; null when there are none.
+    EnumMapRef Enums() const { return mEnums == nullptr || mEnums->Count() == 0 ? nullptr : mEnums; }
+    void Enums(EnumMapRef enums) { mEnums = std::move(enums); }
+    /// The fields in the order of the value's text; null when there are none.
+    FieldListRef StructFields() const { return mStructFields->empty() ? nullptr : mStructFields; }
+
+    /// The containers themselves, for filling; never null unless a host set a null map. Inside the library
+    /// only.
+    const EnumMapRef& GetEnums() const { return mEnums; }
+    const FieldListRef& GetStructFields() const { return mStructFields; }
+
+private:
+    HostString mEnumStructType;
+    EnumMapRef mEnums;
+    FieldListRef mStructFields;
+};
+
+}  // namespace VEMO::Kes::ConfigurationTools

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "host/HostCollections.h"
+#include "host/HostString.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace VEMO::Kes::ConfigurationTools {
+
+/// One index of an indexed key. A copy of what the metadata says; owned by whoever holds it.
+class TableIndex {
+public:
+    enum IndexTypeEnum : std::int32_t { INDEX_TYPE_INT = 0, INDEX_TYPE_ENUM = 1 };
+
+    TableIndex(HostString name, std::uint32_t minimum, std::uint32_t maximum, IndexTypeEnum type)
+        : mName(std::move(name)), mMinimum(minimum), mMaximum(maximum), mType(type) {}
+
+    const HostString& Name() const { return mName; }
+    std::uint32_t Min() const { return mMinimum; }
+    std::uint32_t Max() const { return mMaximum; }
+    IndexTypeEnum Type() const { return mType; }
+    /// The values that have a name; empty for an integer index.
+    const HostMap<HostString, std::uint32_t>& Enums() const { return mEnums; }
+
+    /// Throws `std::invalid_argument` for a label that is there already.
+    void AddEnum(const HostString& label, std::uint32_t value) { mEnums.Add(label, value); }
+    /// Throws `std::out_of_range` for a label that is not there.
+    std::uint32_t EnumValue(const HostString& label) const { return mEnums.Item(label); }
+    std::uint32_t EnumCount() const { return static_cast<std::uint32_t>(mEnums.Count()); }
+
+private:
+    HostString mName;
+    std::uint32_t mMinimum;
+    std::uint32_t mMaximum;
+    IndexTypeEnum mType;
+    HostMap<HostString, std::uint32_t> mEnums;
+};
+
+}  // namespace VEMO::Kes::ConfigurationTools
