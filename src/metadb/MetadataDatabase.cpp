@@ -1,0 +1,165 @@
+#include "metadb/MetadataDatabase.h"
+
+#include "metadb/Schema.h"
+
+#include <unordered_map>
+
+namespace VemoKesConfigTools::metadb {
+
+namespace {
+
+/// Reads the columns of `KES_RECORD_COLUMNS`, which stand from `column` on.
+void ReadRecord(const SqliteStatement& row, int column, RecordData& record) {
+    record.uid = row.Number32(column++);
+    for (std::string* text : {&record.name, &record.type, &record.label, &record.description,
+                              &record.descriptionInternal, &record.format}) {
+        *text = row.Text(column++);
+    }
+    record.min = row.Number(column++);
+    record.max = row.Number(column++);
+    record.units = row.Text(column++);
+    record.access = row.Text(column++);
+    record.isInternal = row.Number(column++) != 0;
+    record.isArray = row.Number(column++) != 0;
+    record.arrayMin = row.Number(column++);
+    record.arrayMax = row.Number(column++);
+    record.oid = row.Text(column++);
+    record.source = row.Text(column++);
+}
+
+}  // namespace
+
+MetadataDatabase::MetadataDatabase(const std::string& path) : mDatabase(path, Sqlite::Mode::ReadOnly) {
+    if (mDatabase.Number("PRAGMA application_id") != APPLICATION_ID) {
+        throw DatabaseError(path + ": not a metadata database");
+    }
+    const std::int64_t version = mDatabase.Number("PRAGMA user_version");
+    if (version != SCHEMA_VERSION) {
+        throw DatabaseError(path + ": its tables have version " + std::to_string(version) +
+                            ", this library reads version " + std::to_string(SCHEMA_VERSION) +
+                            "; build it anew from its source");
+    }
+}
+
+std::vector<SystemData> MetadataDatabase::Systems() {
+    std::vector<SystemData> systems;
+    SqliteStatement subsystems = mDatabase.Prepare(
+        "SELECT name, alias, version, layer, variant, description, build_date FROM subsystem "
+        "WHERE system_id = ? ORDER BY id");
+    SqliteStatement rows = mDatabase.Prepare(
+        "SELECT id, label, description, version, build_date, chip_name, chip_id, rom_name, rom_version "
+        "FROM system ORDER BY id");
+    while (rows.Step()) {
+        SystemData system{rows.Text(1), rows.Text(2), rows.Text(3),
+                          rows.Text(4), rows.Text(5), rows.Number32(6),
+                          rows.Text(7), rows.Text(8), {}};
+        subsystems.Bind(rows.Number(0));
+        while (subsystems.Step()) system.subsystems.push_back(SubsystemHeader(subsystems));
+        systems.push_back(std::move(system));
+    }
+    return systems;
+}
+
+SubsystemData MetadataDatabase::SubsystemHeader(const SqliteStatement& row) {
+    return {row.Text(0), row.Text(1), row.Text(2), row.Text(3), row.Text(4),
+            row.Text(5), row.Text(6), {},          {},          {}};
+}
+
+SubsystemData MetadataDatabase::Load(const std::string& label, const std::string& subsystem) {
+    SqliteStatement rows = mDatabase.Prepare(
+        "SELECT s.name, s.alias, s.version, s.layer, s.variant, s.description, s.build_date, s.id, s.digest "
+        "FROM subsystem s JOIN system y ON y.id = s.system_id WHERE y.label = ? AND s.name = ?");
+    if (!rows.Bind(std::string_view(label), std::string_view(subsystem)).Step()) {
+        throw DatabaseError(mDatabase.Path() + ": system " + label + " has no subsystem " + subsystem);
+    }
+    SubsystemData data = SubsystemHeader(rows);
+    const std::int64_t id = rows.Number(7);
+    const std::int64_t digest = rows.Number(8);
+    LoadTypes(id, data);
+    LoadKeys(id, data);
+    const std::string where = mDatabase.Path() + ": subsystem " + subsystem + " of " + label;
+    if (digest != DigestOf(data)) throw DatabaseError(where + " is damaged");
+    if (const std::optional<TypeFault> fault = FindTypeFault(data)) {
+        throw DatabaseError(where + ": struct " + fault->structName + ": " + fault->text);
+    }
+    return data;
+}
+
+std::vector<SystemData> MetadataDatabase::LoadAll() {
+    std::vector<SystemData> systems = Systems();
+    for (SystemData& system : systems) {
+        for (SubsystemData& subsystem : system.subsystems) subsystem = Load(system.label, subsystem.name);
+    }
+    return systems;
+}
+
+void MetadataDatabase::CheckFile() {
+    SqliteStatement rows = mDatabase.Prepare("PRAGMA integrity_check(1)");
+    if (rows.Step() && rows.Text(0) != "ok") throw DatabaseError(mDatabase.Path() + ": " + rows.Text(0));
+}
+
+NamedValues MetadataDatabase::Values(SqliteStatement& rows) {
+    NamedValues values;
+    while (rows.Step()) values.emplace_back(rows.Text(0), rows.Number32(1));
+    return values;
+}
+
+void MetadataDatabase::LoadTypes(std::int64_t id, SubsystemData& subsystem) {
+    SqliteStatement enums =
+        mDatabase.Prepare("SELECT id, name FROM enum_type WHERE subsystem_id = ? ORDER BY id");
+    SqliteStatement values =
+        mDatabase.Prepare("SELECT name, value FROM enumerator WHERE enum_type_id = ? ORDER BY position");
+    enums.Bind(id);
+    while (enums.Step()) {
+        subsystem.enums.push_back({enums.Text(1), Values(values.Bind(enums.Number(0)))});
+    }
+    SqliteStatement structs =
+        mDatabase.Prepare("SELECT id, name FROM struct_type WHERE subsystem_id = ? ORDER BY id");
+    SqliteStatement fields = mDatabase.Prepare(
+        "SELECT " KES_RECORD_COLUMNS ", lsb, width FROM field WHERE struct_type_id = ? ORDER BY id");
+    structs.Bind(id);
+    while (structs.Step()) {
+        StructType& type = subsystem.structs.emplace_back(StructType{structs.Text(1), {}});
+        fields.Bind(structs.Number(0));
+        while (fields.Step()) {
+            FieldData& field = type.fields.emplace_back();
+            ReadRecord(fields, 0, field);
+            field.lsb = fields.Number32(RECORD_COLUMN_COUNT);
+            field.width = fields.Number32(RECORD_COLUMN_COUNT + 1);
+        }
+    }
+}
+
+void MetadataDatabase::LoadKeys(std::int64_t id, SubsystemData& subsystem) {
+    SqliteStatement keys = mDatabase.Prepare("SELECT " KES_RECORD_COLUMNS
+                                             ", psid, id FROM key WHERE subsystem_id = ? ORDER BY id");
+    keys.Bind(id);
+    std::unordered_map<std::int64_t, std::size_t> byId;
+    while (keys.Step()) {
+        KeyData& key = subsystem.keys.emplace_back();
+        ReadRecord(keys, 0, key);
+        key.psid = static_cast<std::uint32_t>(keys.Number(RECORD_COLUMN_COUNT));
+        byId.emplace(keys.Number(RECORD_COLUMN_COUNT + 1), subsystem.keys.size() - 1);
+    }
+    SqliteStatement indexes = mDatabase.Prepare(
+        "SELECT i.key_id, i.position, i.name, i.min, i.max, i.is_enum FROM key_index i "
+        "JOIN key k ON k.id = i.key_id WHERE k.subsystem_id = ? ORDER BY i.key_id, i.position");
+    SqliteStatement values = mDatabase.Prepare(
+        "SELECT name, value FROM key_index_value WHERE key_id = ? AND index_position = ? ORDER BY position");
+    indexes.Bind(id);
+    while (indexes.Step()) {
+        IndexData index{indexes.Text(2), indexes.Number(3), indexes.Number(4), indexes.Number(5) != 0, {}};
+        index.values = Values(values.Bind(indexes.Number(0), indexes.Number(1)));
+        subsystem.keys[byId.at(indexes.Number(0))].indexes.push_back(std::move(index));
+    }
+    SqliteStatement defaults = mDatabase.Prepare(
+        "SELECT d.key_id, d.indexes, d.value FROM default_value d JOIN key k ON k.id = d.key_id "
+        "WHERE k.subsystem_id = ? ORDER BY d.key_id, d.position");
+    defaults.Bind(id);
+    while (defaults.Step()) {
+        subsystem.keys[byId.at(defaults.Number(0))].defaults.push_back(
+            {defaults.Text(1), defaults.Text(2), {}});
+    }
+}
+
+}  // namespace VemoKesConfigTools::metadb

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace VemoKesConfigTools::metadb {
+
+// A metadata database as plain records: what the source says, and what the tables hold.
+
+/// Where something stands in a source: line and column from 1, the column in bytes. Not kept in a database.
+struct SourcePlace {
+    std::uint32_t file = 0;  ///< number of the source file, from 0
+    std::uint32_t line = 0;
+    std::uint32_t column = 0;
+};
+
+using NamedValues = std::vector<std::pair<std::string, std::int32_t>>;
+
+struct IndexData {
+    std::string name;
+    std::int64_t min = 0;
+    std::int64_t max = 0;
+    bool isEnum = false;
+    NamedValues values;
+};
+
+/// What keys and struct fields have in common.
+struct RecordData {
+    std::int32_t uid = 0;
+    std::string name;
+    std::string type;
+    std::string label;
+    std::string description;
+    std::string descriptionInternal;
+    std::string format;
+    std::int64_t min = 0;
+    std::int64_t max = 0;
+    std::string units;
+    std::string access;
+    bool isInternal = false;
+    bool isArray = false;
+    std::int64_t arrayMin = 0;
+    std::int64_t arrayMax = 0;
+    std::string oid;
+    std::string source;
+};
+
+struct DefaultValue {
+    std::string indexes;  ///< "3" or "1.2"; empty for a key without indexes
+    std::string value;    ///< one logical line of the text format
+    SourcePlace place;
+};
+
+struct KeyData : RecordData {
+    std::uint32_t psid = 0;
+    std::vector<IndexData> indexes;
+    std::vector<DefaultValue> defaults;
+};
+
+struct FieldData : RecordData {
+    std::int32_t lsb = 0;
+    std::int32_t width = 0;
+};
+
+struct EnumType {
+    std::string name;
+    NamedValues values;
+};
+
+struct StructType {
+    std::string name;
+    std::vector<FieldData> fields;
+};
+
+struct SubsystemData {
+    std::string name;
+    std::string alias;
+    std::string version;
+    std::string layer;
+    std::string variant;
+    std::string description;
+    std::string buildDate;
+    std::vector<EnumType> enums;
+    std::vector<StructType> structs;
+    std::vector<KeyData> keys;
+};
+
+struct SystemData {
+    std::string label;
+    std::string description;
+    std::string version;
+    std::string buildDate;
+    std::string chipName;
+    std::int32_t chipId = 0;
+    std::string romName;
+    std::string romVersion;
+    std::vector<SubsystemData> subsystems;
+};
+
+/// Structs may lie in each other this deep, so that neither a reader nor a writer runs out of stack.
+inline constexpr std::size_t MAXIMUM_STRUCT_DEPTH = 100;
+
+/// What is wrong with the struct types of a subsystem, each of which must be known, hold no struct that holds
+/// itself, and be no deeper than `MAXIMUM_STRUCT_DEPTH`. Names the struct; empty when all is well.
+struct TypeFault {
+    std::string structName;
+    std::string text;
+};
+std::optional<TypeFault> FindTypeFault(const SubsystemData& subsystem);
+
+/// A number over all that a subsystem's records say, by which damage is found. The same records give the same
+/// number on every machine.
+std::uint32_t DigestOf(const SubsystemData& subsystem);
+
+}  // namespace VemoKesConfigTools::metadb

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "metadb/MetadataModel.h"
+#include "plugins/sqlite/SqliteRecords.h"
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace VemoKesConfigTools {
+
+/// The records of one subsystem, found by number and by name from hashes. They stay where they are for as
+/// long as this lives.
+class CLoadedSubsystem {
+public:
+    explicit CLoadedSubsystem(metadb::SubsystemData data);
+    CLoadedSubsystem(const CLoadedSubsystem&) = delete;
+    CLoadedSubsystem& operator=(const CLoadedSubsystem&) = delete;
+
+    /// All records by uid, those of struct fields among them, which have the psid 0.
+    const std::map<std::int32_t, const IMetadata*>& List() const { return mByUid; }
+    /// A record, or the null record. Only keys are found by number and name.
+    const IMetadata& ByUid(std::uint32_t uid) const;
+    const IMetadata& ByPsid(std::uint32_t psid) const;
+    const IMetadata& ByName(std::string_view name) const;
+
+    /// One line of the text format for each default value: key number, indexes, value.
+    const std::string& DefaultLines() const { return mDefaultLines; }
+
+private:
+    struct Type {
+        MetadataTypeEnum kind = METADATA_TYPE_SIMPLE;
+        const IMetadataDetail* detail = nullptr;
+    };
+
+    Type TypeOf(const std::string& name) const;
+    void AddEnums(const std::vector<metadb::EnumType>& enums);
+    void AddStructs(std::vector<metadb::StructType>& structs);
+    const CSqliteMetadata& Add(metadb::RecordData data, std::uint32_t psid,
+                               const std::vector<metadb::IndexData>& indexes);
+
+    std::map<std::string, Type> mTypes;
+    std::vector<std::unique_ptr<IMetadataDetail>> mDetails;
+    CMetadataDetailSimple mSimple;
+    std::deque<CStructField> mFields;
+    std::deque<CSqliteMetadata> mRecords;
+    std::map<std::int32_t, const IMetadata*> mByUid;
+    std::unordered_map<std::uint32_t, const IMetadata*> mByPsid;
+    std::unordered_map<std::string_view, const IMetadata*> mByName;  ///< views of the records' own names
+    std::string mDefaultLines;
+};
+
+}  // namespace VemoKesConfigTools

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "metadb/MetadataDatabase.h"
+#include "model/IConfigReader.h"
+#include "model/IMetadataProvider.h"
+#include "plugins/sqlite/LoadedSubsystem.h"
+#include "plugins/sqlite/SqliteRecords.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace VemoKesConfigTools {
+
+/// The metadata of one database file, which is opened read-only. The records of a subsystem are loaded when
+/// they are first asked for and kept, also across `Refresh`, until the provider goes.
+///
+/// A file that is missing, is no metadata database or is damaged stores an error of number 0 that names file
+/// and cause, when it is opened and again with each question; answers are then empty or not valid.
+///
+/// As a reader it gives the default values of the context's subsystem, by way of the reader "KesText".
+class CSqliteProvider final : public IMetadataProvider, public IConfigReader {
+public:
+    explicit CSqliteProvider(const std::string& path);
+    CSqliteProvider(const CSqliteProvider&) = delete;
+    CSqliteProvider& operator=(const CSqliteProvider&) = delete;
+    ~CSqliteProvider() override;
+
+    const std::map<std::int32_t, const IMetadata*>& MetadataList(IConfigContext& context, bool load) override;
+    const IMetadata& MetadataByUid(std::uint32_t uid, IConfigContext& context, bool details) override;
+    const IMetadata& MetadataByPsid(std::uint32_t psid, IConfigContext& context, bool details) override;
+    const IMetadata& MetadataByName(const std::string& name, IConfigContext& context, bool details) override;
+    const std::vector<const ISubsystemInfo*>& SubsystemInfos(IConfigContext& context) override;
+    const std::vector<const IChipInfo*>& ChipInfos(IConfigContext& context) override;
+    void Refresh() override;
+
+    void SetObserver(IConfigReaderObserver* observer) override { mpObserver = observer; }
+    /// The reader that does the work has one of its own.
+    void SetElementObserver(IConfigReaderElementObserver* /*observer*/) override {}
+    void SetMetadataProvider(IMetadataProvider* /*provider*/) override {}
+    bool Read(IConfigContext& context) override;
+
+private:
+    struct System;
+    struct Content;
+
+    Content& Open();
+    System* FindSystem(IConfigContext& context);
+    const CLoadedSubsystem& Find(IConfigContext& context);
+    const CLoadedSubsystem& Load(System& system, std::int32_t type);
+
+    std::string mPath;
+    std::unique_ptr<Content> mpContent;              ///< null until the next question
+    std::vector<std::unique_ptr<Content>> mRetired;  ///< records that were handed out before a `Refresh`
+    // The answer to the last question, which most questions repeat.
+    std::string mLastChip;
+    std::int32_t mLastType = -1;
+    const CLoadedSubsystem* mpLast = nullptr;
+
+    IConfigReaderObserver* mpObserver = nullptr;
+};
+
+}  // namespace VemoKesConfigTools
