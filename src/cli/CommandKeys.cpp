@@ -1,0 +1,71 @@
+#include "cli/ExitCodes.h"
+#include "cli/Globals.h"
+#include "cli/KeyText.h"
+#include "cli/NearNames.h"
+#include "cli/Session.h"
+#include "cli/Table.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <iostream>
+#include <memory>
+
+namespace kes::cli {
+
+namespace {
+
+struct KeysOptions {
+    std::string pattern;
+    std::string subsystem;
+};
+
+bool Contains(const std::string& text, const std::string& part) {
+    return std::ranges::search(text, part, [](unsigned char a, unsigned char b) {
+               return std::tolower(a) == std::tolower(b);
+           }).begin() != text.end();
+}
+
+bool Matches(const api::Metadata& key, const std::string& pattern) {
+    return pattern.empty() || Contains(Text(key.Name()), pattern) || Contains(Text(key.Label()), pattern) ||
+           Contains(Text(key.Description()), pattern);
+}
+
+int Run(const Globals& globals, const KeysOptions& options) {
+    Session session(globals);
+    const std::shared_ptr<api::Chip> chip = session.FindChip(globals.chip);
+    Table table({"SUBSYSTEM", "NUMBER", "NAME", "TYPE", "LABEL"});
+    std::size_t found = 0;
+    for (const auto& subsystem : SubsystemsNamed(session, *chip, options.subsystem)) {
+        for (const auto& key : session.Keys(*chip, *subsystem)) {
+            if (!Matches(*key, options.pattern)) continue;
+            ++found;
+            session.Metadata().GetMetadataDetails(subsystem, key);
+            table.Add({Text(subsystem->Name()), KeyNumber(*key), Text(key->Name()) + IndexSuffix(*key),
+                       TypeText(*key), Text(key->Label())});
+        }
+    }
+    if (found != 0) {
+        table.Print(std::cout);
+        return EXIT_FINE;
+    }
+    const std::string near = DidYouMean(options.pattern, session.KeyNames(*chip));
+    throw Failure(EXIT_FINDINGS, "no key of " + Text(chip->SystemVersionLabel()) + " matches \"" +
+                                     options.pattern + "\"" + (near.empty() ? "" : ", " + near));
+}
+
+}  // namespace
+
+void AddKeys(CLI::App& app, Globals& globals) {
+    CLI::App* command = app.add_subcommand("keys", "List or search the keys of a chip");
+    const auto options = std::make_shared<KeysOptions>();
+    command->add_option("PATTERN", options->pattern,
+                        "Part of a name, label or description, in upper or lower case; all keys without it");
+    command->add_option("--subsystem", options->subsystem, "Only keys of this subsystem, by name or alias")
+        ->type_name("NAME");
+    AddDatabaseOptions(*command, globals, /*withChip=*/true);
+    command->callback(
+        [&globals, options] { globals.run = [&globals, options] { return Run(globals, *options); }; });
+}
+
+}  // namespace kes::cli

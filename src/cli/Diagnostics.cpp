@@ -1,0 +1,91 @@
+#include "cli/Diagnostics.h"
+
+#include "cli/Platform.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+namespace kes::cli {
+
+namespace {
+
+bool IsSet(const char* variable) {
+    const char* value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
+bool WantsColor(bool noColor, bool terminal) {
+    if (noColor || IsSet("NO_COLOR")) return false;
+    if (IsSet("CLICOLOR_FORCE") && std::strcmp(std::getenv("CLICOLOR_FORCE"), "0") != 0) return true;
+    const char* term = std::getenv("TERM");
+    return terminal && (term == nullptr || std::strcmp(term, "dumb") != 0);
+}
+
+/// The lines of a text, whose ends are LF, CR, CR LF and CR CR, as the text reader counts them.
+std::vector<std::string> Lines(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    std::vector<std::string> lines(1);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\n' && text[i] != '\r') {
+            lines.back().push_back(text[i]);
+            continue;
+        }
+        if (text[i] == '\r' && i + 1 < text.size() && (text[i + 1] == '\n' || text[i + 1] == '\r')) ++i;
+        lines.emplace_back();
+    }
+    return lines;
+}
+
+}  // namespace
+
+Diagnostics::Diagnostics(bool noColor)
+    : mTerminal(ErrorsGoToTerminal()), mColor(WantsColor(noColor, mTerminal)) {}
+
+void Diagnostics::Report(const std::string& file, const char* severity, const std::string& text) const {
+    std::cerr << file << ": ";
+    Severity(severity, text);
+}
+
+void Diagnostics::Report(const std::string& file, std::uint32_t line, std::uint32_t column,
+                         const char* severity, const std::string& text) const {
+    std::cerr << file << ':' << line << ':' << column << ": ";
+    Severity(severity, text);
+}
+
+void Diagnostics::Severity(const char* severity, const std::string& text) const {
+    if (mColor) {
+        const bool error = std::strcmp(severity, "error") == 0;
+        std::cerr << (error ? "\x1b[1;31m" : "\x1b[1;36m") << severity << ":\x1b[0m " << text << '\n';
+    } else {
+        std::cerr << severity << ": " << text << '\n';
+    }
+}
+
+void Diagnostics::ShowSource(const std::string& path, std::uint32_t line, std::uint32_t column) {
+    constexpr std::size_t WIDEST = 200;
+    if (!mTerminal) return;
+    if (path != mSourcePath) {
+        mSourceLines = Lines(path);
+        mSourcePath = path;
+    }
+    if (line == 0 || line > mSourceLines.size()) return;
+    // Neither the caret nor its line is of use in a line of megabytes, and no byte may act on the terminal.
+    const std::string source = mSourceLines[line - 1].substr(0, WIDEST);
+    std::string shown;
+    std::string below;
+    for (std::size_t i = 0; i < source.size(); ++i) {
+        const auto c = static_cast<unsigned char>(source[i]);
+        shown += c == '\t' || (c >= 0x20 && c != 0x7F) ? source[i] : '?';
+        if (i + 1 < column && (c & 0xC0U) != 0x80U) below += c == '\t' ? '\t' : ' ';
+    }
+    std::cerr << "  " << shown << '\n';
+    if (column <= source.size() + 1) {
+        std::cerr << "  " << below << (mColor ? "\x1b[1;32m^\x1b[0m" : "^") << '\n';
+    }
+}
+
+}  // namespace kes::cli

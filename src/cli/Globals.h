@@ -1,0 +1,39 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace kes::cli {
+
+/// What the options say that several commands share, and what is to be run.
+struct Globals {
+    std::string database;
+    std::string plugins;
+    std::string chip;  ///< a system version label; empty for the default
+    bool noColor = false;
+    std::function<int()> run;  ///< set by the command that was chosen
+};
+
+/// Defaults of the options, seen from where the command is installed.
+struct Locations {
+    std::string plugins;
+    std::string database;
+};
+Locations DefaultLocations();
+
+/// Adds `--db`, `--plugins` and, where it makes sense, `--chip` to a command.
+void AddDatabaseOptions(CLI::App& command, Globals& globals, bool withChip);
+
+// Each adds one command, with its options and its help.
+void AddCheck(CLI::App& app, Globals& globals);
+void AddChips(CLI::App& app, Globals& globals);
+void AddSubsystems(CLI::App& app, Globals& globals);
+void AddKeys(CLI::App& app, Globals& globals);
+void AddDescribe(CLI::App& app, Globals& globals);
+void AddMetadata(CLI::App& app, Globals& globals);
+
+}  // namespace kes::cli

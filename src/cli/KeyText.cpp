@@ -1,0 +1,158 @@
+#include "cli/KeyText.h"
+
+#include "cli/ExitCodes.h"
+#include "cli/NearNames.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+
+namespace kes::cli {
+
+namespace {
+
+constexpr const char* FORMAT_HEXADECIMAL = "hexadecimal";
+constexpr const char* FORMAT_UNICODE = "unicode_string";
+constexpr const char* FORMAT_MAC = "mac_addr";
+
+bool EqualsIgnoringCase(const std::string& left, const std::string& right) {
+    return std::ranges::equal(
+        left, right, [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
+}
+
+const char* SimpleTypeName(api::SimpleElementTypes type) {
+    using enum api::SimpleElementTypes;
+    switch (type) {
+        case Int8:
+            return "int8";
+        case Int16:
+            return "int16";
+        case Int32:
+            return "int32";
+        case Int64:
+            return "int64";
+        case UInt8:
+            return "uint8";
+        case UInt16:
+            return "uint16";
+        case UInt32:
+            return "uint32";
+        case UInt64:
+            return "uint64";
+        case String:
+            return "octets";
+        case None:
+            break;
+    }
+    return "unknown";
+}
+
+std::string Hex(std::uint64_t value, int digits) {
+    char text[24];
+    std::snprintf(text, sizeof text, "0x%0*llX", digits, static_cast<unsigned long long>(value));
+    return text;
+}
+
+/// The allowed value that is nearest to zero.
+std::string ExampleNumber(std::int64_t min, std::int64_t max, const std::string& format) {
+    const std::int64_t value = std::min(std::max<std::int64_t>(0, min), max);
+    if (format == FORMAT_HEXADECIMAL && value >= 0) return Hex(static_cast<std::uint64_t>(value), 2);
+    return std::to_string(value);
+}
+
+std::string ExampleOctets(const api::Metadata& key, const std::string& format) {
+    constexpr std::int64_t ENOUGH = 6;
+    const auto length =
+        static_cast<std::size_t>(std::max(key.Min(), std::min(std::max<std::int64_t>(0, key.Max()), ENOUGH)));
+    if (format == FORMAT_UNICODE) return "\"" + std::string(length, 'a') + "\"";
+    std::string text;
+    for (std::size_t i = 0; i < length; ++i) {
+        char octet[4];
+        std::snprintf(octet, sizeof octet, "%02X", static_cast<unsigned>(i & 0xFFU));
+        if (i != 0) text += format == FORMAT_MAC ? ":" : " ";
+        text += octet;
+    }
+    return format == FORMAT_MAC && length != 0 ? text : "[" + text + "]";
+}
+
+std::string ExampleValue(const api::Metadata& key);
+
+std::string ExampleItem(const api::Metadata& key) {
+    const std::string format = Text(key.Format());
+    const std::shared_ptr<api::MetadataDetails>& details = key.Details();
+    if (details && details->Enums()) return Text(details->Enums()->begin()->first);
+    if (details && details->StructFields()) {
+        std::string text = "{";
+        for (const auto& field : *details->StructFields()) {
+            if (text.size() > 1) text += ", ";
+            text += ExampleValue(*field->MetaData());
+        }
+        return text + "}";
+    }
+    if (key.SimpleType() == api::SimpleElementTypes::String) return ExampleOctets(key, format);
+    return ExampleNumber(key.Min(), key.Max(), format);
+}
+
+std::string ExampleValue(const api::Metadata& key) {
+    const std::string item = ExampleItem(key);
+    if (!key.IsArray()) return item;
+    std::string text = "{" + item;
+    for (std::int32_t i = 1; i < key.ArrayMinLength(); ++i) text += ", " + item;
+    return text + "}";
+}
+
+}  // namespace
+
+std::vector<std::shared_ptr<api::Subsystem>> SubsystemsNamed(Session& session, const api::Chip& chip,
+                                                             const std::string& name) {
+    std::vector<std::shared_ptr<api::Subsystem>> all = session.Subsystems(chip);
+    if (name.empty()) return all;
+    std::vector<std::string> names;
+    for (const auto& subsystem : all) {
+        if (EqualsIgnoringCase(name, Text(subsystem->Name())) ||
+            EqualsIgnoringCase(name, Text(subsystem->Alias()))) {
+            return {subsystem};
+        }
+        names.push_back(Text(subsystem->Name()));
+    }
+    const std::string near = DidYouMean(name, names);
+    std::string list;
+    for (const std::string& known : names) list += (list.empty() ? "" : ", ") + known;
+    throw Failure(EXIT_USAGE, Text(chip.SystemVersionLabel()) + " has no subsystem \"" + name + "\"" +
+                                  (near.empty() ? "" : ", " + near) + "\nit has: " + list);
+}
+
+std::string KeyNumber(const api::Metadata& key) { return Hex(static_cast<std::uint32_t>(key.Psid()), 4); }
+
+std::string IndexSuffix(const api::Metadata& key) {
+    std::string suffix;
+    if (!key.TableIndexes()) return suffix;
+    for (const auto& index : *key.TableIndexes()) suffix += ".<" + Text(index->Name()) + ">";
+    return suffix;
+}
+
+std::string TypeText(const api::Metadata& key) {
+    const std::string format = Text(key.Format());
+    std::string text = SimpleTypeName(key.SimpleType());
+    if (key.SimpleType() == api::SimpleElementTypes::String) {
+        text = format == FORMAT_UNICODE ? "text" : format == FORMAT_MAC ? "MAC address" : "octets";
+    }
+    if (key.MetadataType() != api::MetadataTypes::Simple && key.Details()) {
+        text = key.MetadataType() == api::MetadataTypes::Enum ? "enum " : "struct ";
+        text += Text(key.Details()->EnumStructTypeName());
+    }
+    if (!key.IsArray()) return text;
+    const std::string least = std::to_string(key.ArrayMinLength());
+    const std::string most = std::to_string(key.ArrayMaxLength());
+    return text + " [" + (least == most ? most : least + ".." + most) + "]";
+}
+
+std::string ExampleLine(const api::Metadata& key) {
+    std::string line = Text(key.Name());
+    if (key.TableIndexes()) {
+        for (const auto& index : *key.TableIndexes()) line += "." + std::to_string(index->Min());
+    }
+    return line + " = " + ExampleValue(key);
+}
+
+}  // namespace kes::cli

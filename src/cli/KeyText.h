@@ -1,0 +1,31 @@
+#pragma once
+
+#include "cli/Session.h"
+#include "metadata/Metadata.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kes::cli {
+
+// How keys and their types read for people.
+
+/// The subsystems of a chip with this name or alias, all for an empty one. Throws `Failure` for none.
+std::vector<std::shared_ptr<api::Subsystem>> SubsystemsNamed(Session& session, const api::Chip& chip,
+                                                             const std::string& name);
+
+/// "0x1234", with four digits at least.
+std::string KeyNumber(const api::Metadata& key);
+
+/// ".CHANNEL.MODE" for a key with indexes of these names.
+std::string IndexSuffix(const api::Metadata& key);
+
+/// "uint8 [1..4]", "enum tx_mode", "text", ... The details of the key must have been asked for.
+std::string TypeText(const api::Metadata& key);
+
+/// A line of the text format with a value that the metadata allows. The details of the key must have been
+/// asked for.
+std::string ExampleLine(const api::Metadata& key);
+
+}  // namespace kes::cli

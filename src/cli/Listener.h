@@ -1,0 +1,42 @@
+#pragma once
+
+#include "messages/CMessageHandlerObserver.h"
+#include "messages/CTheMsgHnd.h"
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kes::cli {
+
+/// Collects what the library says while this lives.
+class Listener final : public VemoKesConfigTools::CMessageHandlerObserver {
+public:
+    using Error = std::pair<std::int16_t, std::string>;
+
+    Listener() { VemoKesConfigTools::CTheMsgHnd::AddObserver(*this); }
+    ~Listener() override { VemoKesConfigTools::CTheMsgHnd::RemoveObserver(*this); }
+
+    void OnFinding(const VemoKesConfigTools::TextFinding& finding) override { mFindings.push_back(finding); }
+    void OnError(std::int16_t number, const std::string& text) override {
+        mErrors.emplace_back(number, text);
+    }
+    void OnStatus(std::int32_t /*level*/, const std::string& text) override { mStatuses.push_back(text); }
+
+    const std::vector<VemoKesConfigTools::TextFinding>& Findings() const { return mFindings; }
+    const std::vector<std::string>& Statuses() const { return mStatuses; }
+    /// The errors that are no findings of a text. The last error of a text with findings only sums these up.
+    std::vector<Error> OtherErrors() const {
+        std::vector<Error> others = mErrors;
+        if (!mFindings.empty() && !others.empty()) others.pop_back();
+        return others;
+    }
+
+private:
+    std::vector<VemoKesConfigTools::TextFinding> mFindings;
+    std::vector<Error> mErrors;
+    std::vector<std::string> mStatuses;
+};
+
+}  // namespace kes::cli

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "cli/Globals.h"
+#include "metadata/NetMetadataProvider.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kes::cli {
+
+namespace api = VEMO::Kes::ConfigurationTools;
+
+/// The library, started on the plug-ins and the database of the options. Throws `Failure` when a plug-in is
+/// missing or the database is not what it should be. One at a time.
+class Session {
+public:
+    explicit Session(const Globals& globals);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session();
+
+    api::NetMetadataProvider& Metadata() { return *mMetadata; }
+    const std::string& Database() const { return mDatabase; }
+    const std::vector<std::shared_ptr<api::Chip>>& Chips() const { return mChips; }
+
+    /// The chip of this label; for an empty one the first of the database. Throws `Failure`.
+    std::shared_ptr<api::Chip> FindChip(const std::string& label) const;
+    /// The same, null when there is none of this label.
+    std::shared_ptr<api::Chip> TryChip(const std::string& label) const;
+    std::vector<std::shared_ptr<api::Subsystem>> Subsystems(const api::Chip& chip);
+    /// The keys of a subsystem, by number.
+    std::vector<std::shared_ptr<api::Metadata>> Keys(const api::Chip& chip, const api::Subsystem& subsystem);
+    /// The names of all keys of a chip.
+    std::vector<std::string> KeyNames(const api::Chip& chip);
+
+private:
+    void FailOnError() const;
+
+    std::string mDatabase;
+    std::optional<api::NetMetadataProvider> mMetadata;
+    std::vector<std::shared_ptr<api::Chip>> mChips;
+};
+
+/// The text of a host string that may be null.
+std::string Text(const api::HostString& text);
+
+}  // namespace kes::cli

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace kes::cli {
+
+/// Rows of texts, printed in columns. Widths count code points of UTF-8.
+class Table {
+public:
+    explicit Table(std::vector<std::string> heads) { Add(std::move(heads)); }
+    void Add(std::vector<std::string> row) { mRows.push_back(std::move(row)); }
+    void Print(std::ostream& stream) const;
+
+private:
+    std::vector<std::vector<std::string>> mRows;
+};
+
+/// The number of code points of a UTF-8 text.
+std::size_t CodePoints(std::string_view text);
+
+}  // namespace kes::cli
