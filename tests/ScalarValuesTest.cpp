@@ -1,6 +1,8 @@
 // Values of one token: integers of eight widths, octets, quoted text, MAC addresses, enumerators. Each line
 // stands behind a keyword line, so that it is line 2 of its text.
 
+#include "kes/configtools/readerwriters/kestext/common/textparser/CEnum.h"
+#include "kes/configtools/readerwriters/kestext/common/textparser/CUnicodeFile.h"
 #include "support/TextReading.h"
 
 #include <gtest/gtest.h>
@@ -144,6 +146,28 @@ TEST(ScalarValues, EnumeratorsGoByNameOrNumber) {
         {"mode = ;", "17 mode=MODE_A(0) ! 2:9 #4 Unexpected text  unexpected text ';' at end of line"},
         {"odd = [01]", "! 2:7 #26 Unknown name: odd"},
     });
+}
+
+TEST(ScalarValues, WordsAreFourDigitsWithBlanksBetween) {
+    const struct {
+        std::string text;
+        std::int32_t code;
+        std::vector<std::uint16_t> words;
+    } rows[] = {
+        {" 0001 aBcD \nx", PE_NONE, {1, 0xABCD}},
+        {"", PE_NONE, {}},
+        {"1234", PE_NONE, {0x1234}},
+        {"1234 12", PE_WORD_NOT_4_HEX, {0x1234}},
+        {"x", PE_WORD_NOT_4_HEX, {}},
+        {"12345678", PE_EXPECTED_WHITESPACE, {0x1234}},
+    };
+    for (const auto& row : rows) {
+        std::istringstream stream(row.text);
+        CUnicodeFile file(&stream);
+        CHexArray words(&file, nullptr);
+        EXPECT_EQ(words.Parse().mCode, row.code) << row.text;
+        EXPECT_EQ(words.Words(), row.words) << row.text;
+    }
 }
 
 }  // namespace

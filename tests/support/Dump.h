@@ -4,6 +4,7 @@
 
 #include "model/CChipConfig.h"
 #include "model/CIndexedElement.h"
+#include "model/CStoreInfo.h"
 #include "model/CSubsystemConfig.h"
 #include "model/Payloads.h"
 
