@@ -11,6 +11,7 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace kes::cli {
 
@@ -69,18 +70,27 @@ std::string Range(std::int64_t min, std::int64_t max) {
     return min == max ? std::to_string(min) : std::to_string(min) + " to " + std::to_string(max);
 }
 
+void ValueLines(const api::Metadata& key, std::pair<std::int64_t, std::int64_t> range, std::size_t depth);
+
+void FieldLines(const api::StructField& field, std::size_t depth) {
+    const api::Metadata& record = *field.MetaData();
+    std::cout << std::string(depth * 2, ' ') << "field " << Text(record.Name()) << '\n';
+    Line("type", IsBitField(field) ? "bit field" : TypeText(record), depth + 1);
+    Line("bits", std::to_string(field.ElemBitWidth()) + " at " + std::to_string(field.ElemLsbBitPos()),
+         depth + 1);
+    Line("label", Text(record.Label()), depth + 1);
+    Line("description", Text(record.Description()), depth + 1);
+    ValueLines(record, FieldRange(field), depth + 1);
+}
+
 /// Range or length, format, units, enumerators and fields: what keys and fields have in common.
-void ValueLines(const api::Metadata& key, std::size_t depth) {
+void ValueLines(const api::Metadata& key, std::pair<std::int64_t, std::int64_t> range, std::size_t depth) {
     const std::shared_ptr<api::MetadataDetails>& details = key.Details();
     const bool simple = key.MetadataType() == api::MetadataTypes::Simple;
     const bool isString = key.SimpleType() == api::SimpleElementTypes::String;
-    const std::string units = Text(key.Units());
     if (simple && isString) Line("length", Range(key.Min(), key.Max()) + " octets", depth);
-    if (simple && !isString) {
-        Line("range", Range(key.Min(), key.Max()) + (units.empty() ? "" : " " + units), depth);
-    } else {
-        Line("units", units, depth);
-    }
+    if (simple && !isString) Line("range", Range(range.first, range.second), depth);
+    Line("units", Text(key.Units()), depth);
     if (simple && !isString) Line("format", Text(key.Format()), depth);
     if (details && details->Enums()) {
         std::string list;
@@ -90,15 +100,7 @@ void ValueLines(const api::Metadata& key, std::size_t depth) {
         Line("one of", list, depth);
     }
     if (!details || !details->StructFields()) return;
-    for (const auto& field : *details->StructFields()) {
-        const api::Metadata& record = *field->MetaData();
-        const std::string bits =
-            std::to_string(field->ElemBitWidth()) + " bits at " + std::to_string(field->ElemLsbBitPos());
-        Line("field " + Text(record.Name()), TypeText(record) + ", " + bits, depth);
-        Line("label", Text(record.Label()), depth + 1);
-        Line("description", Text(record.Description()), depth + 1);
-        ValueLines(record, depth + 1);
-    }
+    for (const auto& field : *details->StructFields()) FieldLines(*field, depth);
 }
 
 void DefaultLines(const metadb::SubsystemData& subsystem, const std::string& name) {
@@ -118,7 +120,7 @@ void Describe(const api::Metadata& key, const api::Chip& chip, const api::Subsys
                           Text(chip.SystemVersionLabel()));
     Line("number", std::to_string(static_cast<std::uint32_t>(key.Psid())) + " (" + KeyNumber(key) + ")");
     Line("type", TypeText(key));
-    ValueLines(key, 1);
+    ValueLines(key, {key.Min(), key.Max()}, 1);
     if (key.TableIndexes()) {
         for (const auto& index : *key.TableIndexes()) {
             std::string text = Range(index->Min(), index->Max());

@@ -12,6 +12,7 @@ namespace kes::cli {
 namespace {
 
 constexpr const char* FORMAT_HEXADECIMAL = "hexadecimal";
+constexpr const char* FORMAT_UNSIGNED = "unsigned_decimal";
 constexpr const char* FORMAT_UNICODE = "unicode_string";
 constexpr const char* FORMAT_MAC = "mac_addr";
 
@@ -145,6 +146,26 @@ std::string TypeText(const api::Metadata& key) {
     const std::string least = std::to_string(key.ArrayMinLength());
     const std::string most = std::to_string(key.ArrayMaxLength());
     return text + " [" + (least == most ? most : least + ".." + most) + "]";
+}
+
+bool IsBitField(const api::StructField& field) {
+    const api::Metadata& record = *field.MetaData();
+    return record.MetadataType() == api::MetadataTypes::Simple &&
+           record.SimpleType() == api::SimpleElementTypes::Int64 && field.ElemBitWidth() < 64;
+}
+
+std::pair<std::int64_t, std::int64_t> FieldRange(const api::StructField& field) {
+    const api::Metadata& record = *field.MetaData();
+    if (!IsBitField(field)) return {record.Min(), record.Max()};
+    const std::string format = Text(record.Format());
+    const std::int32_t width = field.ElemBitWidth();
+    const bool isUnsigned = format == FORMAT_HEXADECIMAL || format == FORMAT_UNSIGNED;
+    // One bit is 0 or 1, whatever its sign.
+    const std::int32_t valueBits = isUnsigned || width <= 1 ? std::max(width, 1) : width - 1;
+    const auto highest =
+        static_cast<std::int64_t>((std::uint64_t{1} << static_cast<unsigned>(valueBits)) - 1);
+    const std::int64_t lowest = isUnsigned || width <= 1 ? 0 : -highest - 1;
+    return {std::max(record.Min(), lowest), std::min(record.Max(), highest)};
 }
 
 std::string ExampleLine(const api::Metadata& key) {

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kes::cli {
@@ -23,6 +24,12 @@ std::string IndexSuffix(const api::Metadata& key);
 
 /// "uint8 [1..4]", "enum tx_mode", "text", ... The details of the key must have been asked for.
 std::string TypeText(const api::Metadata& key);
+
+/// Whether a field is an integer of its own number of bits, and not of the width of a type.
+bool IsBitField(const api::StructField& field);
+
+/// The lowest and the highest value of an integer field: what its record says and its bits have room for.
+std::pair<std::int64_t, std::int64_t> FieldRange(const api::StructField& field);
 
 /// A line of the text format with a value that the metadata allows. The details of the key must have been
 /// asked for.

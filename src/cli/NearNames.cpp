@@ -10,6 +10,7 @@ namespace kes::cli {
 namespace {
 
 constexpr std::size_t MOST_NAMES = 3;
+constexpr std::size_t SHORTEST_BEGINNING = 4;
 
 std::string Folded(std::string_view text) {
     std::string folded(text);
@@ -45,6 +46,10 @@ std::vector<std::string> NearNames(std::string_view word, const std::vector<std:
     const std::size_t limit = std::clamp<std::size_t>(folded.size() / 3, 1, 4);
     std::vector<std::pair<std::size_t, std::string>> near;
     for (const std::string& name : names) {
+        if (folded.size() >= SHORTEST_BEGINNING && Folded(name).starts_with(folded)) {
+            near.emplace_back(1, name);
+            continue;
+        }
         const std::size_t longer = std::max(name.size(), folded.size());
         if (longer - std::min(name.size(), folded.size()) > limit) continue;
         const std::size_t distance = Distance(folded, Folded(name));

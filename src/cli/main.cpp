@@ -1,9 +1,12 @@
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
+#include "cli/NearNames.h"
 
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -12,6 +15,23 @@ using namespace kes::cli;
 /// The commands in the order of the help.
 constexpr void (*COMMANDS[])(CLI::App&, Globals&) = {AddCheck, AddChips,    AddSubsystems,
                                                      AddKeys,  AddDescribe, AddMetadata};
+
+/// What is wrong with the command line. A word that is no command tells more than that one is missing.
+std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {
+    const CLI::App* chosen = &app;
+    std::string path = "kes";
+    while (!chosen->get_subcommands().empty()) {
+        chosen = chosen->get_subcommands().front();
+        path += " " + chosen->get_name();
+    }
+    const std::string hint = "\nsee " + path + " --help";
+    std::vector<std::string> names;
+    for (const CLI::App* command : chosen->get_subcommands(nullptr)) names.push_back(command->get_name());
+    const std::vector<std::string> extras = chosen->remaining();
+    if (names.empty() || extras.empty() || extras.front().starts_with('-')) return error.what() + hint;
+    const std::string near = DidYouMean(extras.front(), names);
+    return "unknown command \"" + extras.front() + "\"" + (near.empty() ? "" : ", " + near) + hint;
+}
 
 int Run(int argc, char** argv) {
     Globals globals;
@@ -28,7 +48,9 @@ int Run(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? EXIT_FINE : EXIT_USAGE;
+        if (error.get_exit_code() != 0) throw Failure(EXIT_USAGE, UsageError(app, error));
+        app.exit(error);
+        return EXIT_FINE;
     }
     return globals.run();
 }
