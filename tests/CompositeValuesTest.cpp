@@ -135,6 +135,7 @@ TEST(CompositeValues, RawFieldsAndArraysWithoutAPayloadType) {
     CheckStructs({
         {"outer = {1, %5 [06]%}", "6 outer=struct{u8:1,struct{u64:5,\"<06>\"}}"},
         {"inner = {%5%, \"a\"}", "5 inner=struct{u64:5,\"a\"}"},
+        {"bits = {%%, 1}", "! 2:15 #1 Value is not supported: bits"},
         {"inner = {ON, %%}", "! 2:17 #1 Value is not supported: inner"},
         {"lists = {1, %%}", "7 lists=struct{u8:1,u16{}}"},
         {"strings = {{[01]}}", "! 2:19 #1 Value is not supported: strings"},

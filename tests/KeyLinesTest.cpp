@@ -136,4 +136,39 @@ TEST(KeyLines, APlaceFromOutsideDoesNotServeWithoutOneInTheText) {
     EXPECT_EQ(outcome("bt3.1234.1 = % 1 %\nfile=bt"), "[1/15/1]") << "nobody there to take the element";
 }
 
+TEST(KeyLines, ElementsAndValuesKnowTheirRecords) {
+    CChipConfig config;
+    CKesContext context = OverwriteContext();
+    Read("file=audio\nu8 = 1\n17 = 0\ndev_name = \"a\"\nrf_gain = % 1 %\n1234 = % 1 %\nwords = {1, 2}\n",
+         config, context);
+    std::string records;
+    const auto note = [&](const IMetadata* record) {
+        records += record == nullptr ? " none" : record->IsValid() ? " " + record->Name() : " null";
+    };
+    for (const CElement* element : config.Subsystems().begin()->second->Elements()) {
+        note(element->Metadata());
+        records += ":";
+        for (const IPayload* payload : element->Payloads()) {
+            note(dynamic_cast<const IMetadataUser&>(*payload).Metadata());
+        }
+    }
+    EXPECT_EQ(records, " u8: u8 mode: mode dev_name: none rf_gain: none null: none words: words words");
+}
+
+TEST(KeyLines, RecordsAreThoseOfThePlaceAtHand) {
+    EXPECT_EQ(Outcome(Read("file=bt\nbt_only = 1\nfile=cur\nbt_only.1 = 5")),
+              "[1/15/1 4663 bt_only=u8:1] [0/15/1] ! 4:13 #1 Value is not supported: bt_only");
+    EXPECT_EQ(Outcome(Read("file=bt\ndiffers = 255\nfile=cur\ndiffers = -1")),
+              "[1/15/1 4664 differs=u8:255] [0/15/1 4664 differs=i8:-1]");
+}
+
+TEST(KeyLines, ARawValueForgivesTheErrorOfItsLookup) {
+    MemoryProvider provider;
+    provider.AddSubsystem("audio");
+    provider.errorForUnknown = "no such key";
+    const Reading reading = Read("file=audio\n1234 = % 1 %", provider);
+    EXPECT_EQ(reading.error, "");
+    EXPECT_EQ(reading.dump, "[3/15/1 1234=u64:1]");
+}
+
 }  // namespace

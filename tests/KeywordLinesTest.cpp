@@ -99,6 +99,8 @@ TEST(KeywordLines, NoKeyLandsWhereAFailedLinePointed) {
          "device"},
         {"file=bt\nstore=x\nu8=1\nstore=2\nu8=2",
          "[1/15/1] [1/15/2 1 u8=u8:2] ! 2:7 #32 Number expected | 3:1 #14 Invalid configuration store"},
+        {"file=bt\nfile=audio99\nstore=3\nu8=1",
+         "[1/15/1] [1/15/3 1 u8=u8:1] ! 2:13 #17 Store out of range Store should be between 1 and 15"},
         {"file=bt\nstore 2\nu8=1",
          "[1/15/1] ! 2:7 #3 Delimiter missing | 3:1 #14 Invalid configuration store"},
         {"file=bt\nsubsystem cur\ndevice=otp\nstore=1\nu8=1",

@@ -87,7 +87,9 @@ TEST(ReadPass, ObserversSeeEachPlaceAndEachKey) {
     reader.SetElementObserver(&recorder.place);  // outside a read, which does nothing
     reader.SetMetadataProvider(&TextKeys());
     CKesContext context = OverwriteContext();
+    const std::uint32_t loadsBefore = TextKeys().loads;
     EXPECT_FALSE(reader.Read(context));
+    EXPECT_EQ(TextKeys().loads - loadsBefore, 6U) << "the provider is told of each place";
     EXPECT_EQ(
         recorder.calls,
         "start:// found:1/1/2#1 found:1/1/2#1 found:1/1/2#1 found:0/15/3#1 found:1/1/2#1 found:3/15/1#2 "

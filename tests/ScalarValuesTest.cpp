@@ -127,6 +127,9 @@ TEST(ScalarValues, MacAddressesKeepToOneSeparator) {
         {"bd_addr = 00:02-5B",
          "! 2:17 #8 A mac delimiter is missing. Each octet should be separated by either a ':' or '-'. i.e. "
          "aa:bb:cc:dd:ee:ff or aa-bb-cc-dd-ee-ff: bd_addr"},
+        {std::string("bd_addr = 00\0", 13),
+         "! 2:14 #8 A mac delimiter is missing. Each octet should be separated by either a ':' or '-'. i.e. "
+         "aa:bb:cc:dd:ee:ff or aa-bb-cc-dd-ee-ff: bd_addr"},
         {"bd_addr = 00:0", "! 2:15 #6 Invalid octet value: bd_addr"},
         {"bd_addr = 00:\n", "! 2:14 #6 Invalid octet value: bd_addr"},
         {"bd_addr = 00:01", "! 2:16 #29 Invalid length: bd_addr must have 6 values."},

@@ -2,6 +2,7 @@
 
 // A metadata provider whose records are made in code.
 
+#include "messages/CTheMsgHnd.h"
 #include "model/CBaseContext.h"
 #include "model/CMetadataDetail.h"
 #include "model/CNullMetadata.h"
@@ -166,7 +167,8 @@ public:
     }
 
     const std::map<std::int32_t, const IMetadata*>& MetadataList(IConfigContext& /*context*/,
-                                                                 bool /*load*/) override {
+                                                                 bool load) override {
+        if (load) ++loads;
         return mList;
     }
     const IMetadata& MetadataByUid(std::uint32_t uid, IConfigContext& context, bool details) override {
@@ -187,11 +189,20 @@ public:
     }
     void Refresh() override {}
 
+    std::string errorForUnknown;  ///< stored when a key is not found, unless it is empty
+    std::uint32_t loads = 0;      ///< how often the list was asked for before a read
+
 private:
     template <typename Map, typename Key>
-    static const IMetadata& Find(const Map& map, const Key& key, IConfigContext& context) {
+    const IMetadata& Find(const Map& map, const Key& key, IConfigContext& context) const {
         const auto found = map.find(key);
-        if (found == map.end()) return CNullMetadata::Ref();
+        if (found == map.end()) {
+            if (!errorForUnknown.empty()) {
+                CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, "MemoryProvider", false)
+                    .SetErrorMsg(0, errorForUnknown);
+            }
+            return CNullMetadata::Ref();
+        }
         const std::int32_t subsystem = static_cast<CBaseContext&>(context).SubsystemType();
         for (const Record* record : found->second) {
             if (record->subsystem == ANY_SUBSYSTEM || record->subsystem == subsystem) return *record;
