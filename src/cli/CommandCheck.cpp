@@ -124,12 +124,10 @@ private:
     }
 
     void Summarize(const TextFile& file, const api::Chip& chip) {
-        const auto places = *mFacade.GetPlaces();
-        const auto stores = *mFacade.GetStores();
         std::map<std::string, std::uint32_t> keys;
         std::cout << file.Name() << ": system " << Text(chip.SystemVersionLabel()) << ", chip "
                   << Text(chip.Name()) << " (id " << chip.ChipId() << ")\n  places\n";
-        for (const auto& place : places) {
+        for (const auto& place : mFacade.GetPlaces()) {
             const std::string subsystem = Text(api::Subsystem::NameOf(place->SubsystemType()));
             keys[subsystem] += place->KeyCount();
             std::cout << "    " << subsystem << ' ' << DeviceName(place->DeviceId()) << ' '
@@ -139,7 +137,7 @@ private:
         std::cout << "  keys per subsystem\n";
         for (const auto& [subsystem, count] : keys) std::cout << "    " << subsystem << ": " << count << '\n';
         std::cout << "  stores\n";
-        for (const auto& store : stores) {
+        for (const auto& store : mFacade.GetStores()) {
             std::cout << "    " << DeviceName(store->DeviceId()) << ' ' << store->StoreId() << '\n';
         }
     }

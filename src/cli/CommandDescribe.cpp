@@ -20,7 +20,7 @@ namespace {
 namespace metadb = VemoKesConfigTools::metadb;
 
 struct DescribeOptions {
-    std::string key;
+    std::vector<std::string> keys;
     std::string subsystem;
 };
 
@@ -94,13 +94,13 @@ void ValueLines(const api::Metadata& key, std::pair<std::int64_t, std::int64_t> 
     if (simple && !isString) Line("format", Text(key.Format()), depth);
     if (details && details->Enums()) {
         std::string list;
-        for (const auto& [name, value] : *details->Enums()) {
+        for (const auto& [name, value] : details->Enums()) {
             list += (list.empty() ? "" : ", ") + Text(name) + "(" + std::to_string(value) + ")";
         }
         Line("one of", list, depth);
     }
-    if (!details || !details->StructFields()) return;
-    for (const auto& field : *details->StructFields()) FieldLines(*field, depth);
+    if (!details) return;
+    for (const auto& field : details->StructFields()) FieldLines(*field, depth);
 }
 
 void DefaultLines(const metadb::SubsystemData& subsystem, const std::string& name) {
@@ -121,14 +121,12 @@ void Describe(const api::Metadata& key, const api::Chip& chip, const api::Subsys
     Line("number", std::to_string(static_cast<std::uint32_t>(key.Psid())) + " (" + KeyNumber(key) + ")");
     Line("type", TypeText(key));
     ValueLines(key, {key.Min(), key.Max()}, 1);
-    if (key.TableIndexes()) {
-        for (const auto& index : *key.TableIndexes()) {
-            std::string text = Range(index->Min(), index->Max());
-            for (const auto& [name, value] : index->Enums()) {
-                text += ", " + Text(name) + "(" + std::to_string(value) + ")";
-            }
-            Line("index " + Text(index->Name()), text);
+    for (const auto& index : key.TableIndexes()) {
+        std::string text = Range(index->Min(), index->Max());
+        for (const auto& [name, value] : index->Enums()) {
+            text += ", " + Text(name) + "(" + std::to_string(value) + ")";
         }
+        Line("index " + Text(index->Name()), text);
     }
     DefaultLines(stored, Text(key.Name()));
     Line("access", AccessText(key.AccessRight()) + (key.IsInternal() ? ", internal" : ""));
@@ -140,43 +138,71 @@ void Describe(const api::Metadata& key, const api::Chip& chip, const api::Subsys
     Line("example", ExampleLine(key));
 }
 
-int Run(const Globals& globals, const DescribeOptions& options) {
-    Session session(globals);
-    const std::shared_ptr<api::Chip> chip = session.FindChip(globals.chip);
-    const std::optional<std::uint32_t> number = ToNumber(options.key);
-    // An index behind the key, as texts have it, names the same record.
-    const std::string name = options.key.substr(0, options.key.find('.'));
-    metadb::MetadataDatabase database(globals.database);
-    bool first = true;
-    for (const auto& subsystem : SubsystemsNamed(session, *chip, options.subsystem)) {
-        for (const auto& key : session.Keys(*chip, *subsystem)) {
-            if (number ? static_cast<std::uint32_t>(key->Psid()) != *number : Text(key->Name()) != name)
-                continue;
-            session.Metadata().GetMetadataDetails(subsystem, key);
-            if (!first) std::cout << '\n';
-            first = false;
-            Describe(*key, *chip, *subsystem,
-                     database.Load(Text(chip->SystemVersionLabel()), Text(subsystem->Name())));
+/// Describes every key of a name or number. The subsystems are loaded once for all of them.
+class Describer {
+public:
+    Describer(const Globals& globals, const DescribeOptions& options)
+        : mSession(globals), mDatabase(globals.database), mChip(mSession.FindChip(globals.chip)) {
+        for (const auto& subsystem : SubsystemsNamed(mSession, *mChip, options.subsystem)) {
+            mKnown.push_back({subsystem, mSession.Keys(*mChip, *subsystem),
+                              mDatabase.Load(Text(mChip->SystemVersionLabel()), Text(subsystem->Name()))});
         }
     }
-    if (!first) return EXIT_FINE;
-    const std::string near = DidYouMean(name, session.KeyNames(*chip));
-    throw Failure(EXIT_FINDINGS, Text(chip->SystemVersionLabel()) + " has no key \"" + options.key + "\"" +
-                                     (near.empty() ? "" : ", " + near));
-}
+
+    int Run(const std::vector<std::string>& keys) {
+        for (const std::string& key : keys) Run(key);
+        return EXIT_FINE;
+    }
+
+private:
+    struct Known {
+        std::shared_ptr<api::Subsystem> subsystem;
+        std::vector<std::shared_ptr<api::Metadata>> keys;
+        metadb::SubsystemData stored;
+    };
+
+    void Run(const std::string& word) {
+        const std::optional<std::uint32_t> number = ToNumber(word);
+        // An index behind the key, as texts have it, names the same record.
+        const std::string name = word.substr(0, word.find('.'));
+        bool found = false;
+        for (const Known& known : mKnown) {
+            for (const auto& key : known.keys) {
+                const bool same =
+                    number ? static_cast<std::uint32_t>(key->Psid()) == *number : Text(key->Name()) == name;
+                if (!same) continue;
+                found = true;
+                mSession.Metadata().GetMetadataDetails(known.subsystem, key);
+                if (!std::exchange(mFirst, false)) std::cout << '\n';
+                Describe(*key, *mChip, *known.subsystem, known.stored);
+            }
+        }
+        if (found) return;
+        const std::string near = DidYouMean(name, mSession.KeyNames(*mChip));
+        throw Failure(EXIT_FINDINGS, Text(mChip->SystemVersionLabel()) + " has no key \"" + word + "\"" +
+                                         (near.empty() ? "" : ", " + near));
+    }
+
+    Session mSession;
+    metadb::MetadataDatabase mDatabase;
+    std::shared_ptr<api::Chip> mChip;
+    std::vector<Known> mKnown;
+    bool mFirst = true;
+};
 
 }  // namespace
 
 void AddDescribe(CLI::App& app, Globals& globals) {
-    CLI::App* command = app.add_subcommand("describe", "Tell all that the metadata knows of a key");
+    CLI::App* command = app.add_subcommand("describe", "Tell all that the metadata knows of keys");
     const auto options = std::make_shared<DescribeOptions>();
-    command->add_option("KEY", options->key, "Name or number (decimal, or 0x and hexadecimal) of the key")
+    command->add_option("KEY", options->keys, "Names or numbers (decimal, or 0x and hexadecimal) of keys")
         ->required();
     command->add_option("--subsystem", options->subsystem, "Only in this subsystem, by name or alias")
         ->type_name("NAME");
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
-    command->callback(
-        [&globals, options] { globals.run = [&globals, options] { return Run(globals, *options); }; });
+    command->callback([&globals, options] {
+        globals.run = [&globals, options] { return Describer(globals, *options).Run(options->keys); };
+    });
 }
 
 }  // namespace kes::cli

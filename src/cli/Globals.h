@@ -18,13 +18,10 @@ struct Globals {
     std::function<int()> run;  ///< set by the command that was chosen
 };
 
-/// Defaults of the options, seen from where the command is installed.
-struct Locations {
-    std::string plugins;
-    std::string database;
-};
-Locations DefaultLocations();
+/// What holds without options: the environment, or else what stands where the command is installed.
+Globals DefaultGlobals();
 
+void AddPluginsOption(CLI::App& command, Globals& globals);
 /// Adds `--db`, `--plugins` and, where it makes sense, `--chip` to a command.
 void AddDatabaseOptions(CLI::App& command, Globals& globals, bool withChip);
 

@@ -61,7 +61,9 @@ std::string ExampleNumber(std::int64_t min, std::int64_t max, const std::string&
     return std::to_string(value);
 }
 
-std::string ExampleOctets(const api::Metadata& key, const std::string& format) {
+/// A MAC address ends at a blank only, so among other values it has to stand in brackets.
+std::string ExampleOctets(const api::Metadata& key, const std::string& format, bool alone) {
+    const bool asMac = format == FORMAT_MAC && alone;
     constexpr std::int64_t ENOUGH = 6;
     const auto length =
         static_cast<std::size_t>(std::max(key.Min(), std::min(std::max<std::int64_t>(0, key.Max()), ENOUGH)));
@@ -70,32 +72,32 @@ std::string ExampleOctets(const api::Metadata& key, const std::string& format) {
     for (std::size_t i = 0; i < length; ++i) {
         char octet[4];
         std::snprintf(octet, sizeof octet, "%02X", static_cast<unsigned>(i & 0xFFU));
-        if (i != 0) text += format == FORMAT_MAC ? ":" : " ";
+        if (i != 0) text += asMac ? ":" : " ";
         text += octet;
     }
-    return format == FORMAT_MAC && length != 0 ? text : "[" + text + "]";
+    return asMac && length != 0 ? text : "[" + text + "]";
 }
 
-std::string ExampleValue(const api::Metadata& key);
+std::string ExampleValue(const api::Metadata& key, bool alone);
 
-std::string ExampleItem(const api::Metadata& key) {
+std::string ExampleItem(const api::Metadata& key, bool alone) {
     const std::string format = Text(key.Format());
     const std::shared_ptr<api::MetadataDetails>& details = key.Details();
     if (details && details->Enums()) return Text(details->Enums()->begin()->first);
     if (details && details->StructFields()) {
         std::string text = "{";
-        for (const auto& field : *details->StructFields()) {
+        for (const auto& field : details->StructFields()) {
             if (text.size() > 1) text += ", ";
-            text += ExampleValue(*field->MetaData());
+            text += ExampleValue(*field->MetaData(), /*alone=*/false);
         }
         return text + "}";
     }
-    if (key.SimpleType() == api::SimpleElementTypes::String) return ExampleOctets(key, format);
+    if (key.SimpleType() == api::SimpleElementTypes::String) return ExampleOctets(key, format, alone);
     return ExampleNumber(key.Min(), key.Max(), format);
 }
 
-std::string ExampleValue(const api::Metadata& key) {
-    const std::string item = ExampleItem(key);
+std::string ExampleValue(const api::Metadata& key, bool alone) {
+    const std::string item = ExampleItem(key, alone && !key.IsArray());
     if (!key.IsArray()) return item;
     std::string text = "{" + item;
     for (std::int32_t i = 1; i < key.ArrayMinLength(); ++i) text += ", " + item;
@@ -127,8 +129,7 @@ std::string KeyNumber(const api::Metadata& key) { return Hex(static_cast<std::ui
 
 std::string IndexSuffix(const api::Metadata& key) {
     std::string suffix;
-    if (!key.TableIndexes()) return suffix;
-    for (const auto& index : *key.TableIndexes()) suffix += ".<" + Text(index->Name()) + ">";
+    for (const auto& index : key.TableIndexes()) suffix += ".<" + Text(index->Name()) + ">";
     return suffix;
 }
 
@@ -170,10 +171,8 @@ std::pair<std::int64_t, std::int64_t> FieldRange(const api::StructField& field) 
 
 std::string ExampleLine(const api::Metadata& key) {
     std::string line = Text(key.Name());
-    if (key.TableIndexes()) {
-        for (const auto& index : *key.TableIndexes()) line += "." + std::to_string(index->Min());
-    }
-    return line + " = " + ExampleValue(key);
+    for (const auto& index : key.TableIndexes()) line += "." + std::to_string(index->Min());
+    return line + " = " + ExampleValue(key, /*alone=*/true);
 }
 
 }  // namespace kes::cli

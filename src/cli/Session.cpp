@@ -77,7 +77,7 @@ std::vector<std::shared_ptr<api::Metadata>> Session::Keys(const api::Chip& chip,
     const auto map = mMetadata->GetMetadatas(chip.SystemVersionLabel(), "", subsystem.Type());
     FailOnError();
     std::vector<std::shared_ptr<api::Metadata>> keys;
-    for (const auto& [uid, key] : *map) keys.push_back(key);
+    for (const auto& [uid, key] : map) keys.push_back(key);
     std::ranges::stable_sort(keys, {},
                              [](const auto& key) { return static_cast<std::uint32_t>(key->Psid()); });
     return keys;

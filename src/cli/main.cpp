@@ -34,8 +34,7 @@ std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {
 }
 
 int Run(int argc, char** argv) {
-    Globals globals;
-    globals.plugins = DefaultLocations().plugins;
+    Globals globals = DefaultGlobals();
     CLI::App app("Checks and explains the configuration texts of chips with several subsystems.", "kes");
     app.set_version_flag("--version", std::string("kes ") + KES_VERSION);
     app.add_flag("--no-color", globals.noColor, "No colour in messages (environment: NO_COLOR)");

@@ -9,9 +9,27 @@
 
 namespace VEMO::Kes::ConfigurationTools {
 
-/// A list of the host API. Shared between all who hold it, and may be null.
+/// A reference to a list or map of the host API: shared between all who hold it, and may be null. Walk over
+/// the reference itself, as in `for (const auto& chip : provider.GetChips())`: it then lives as long as the
+/// walk, and null is walked over like an empty one.
+template <typename Container>
+class HostRef : public std::shared_ptr<Container> {
+public:
+    using std::shared_ptr<Container>::shared_ptr;
+    HostRef(std::shared_ptr<Container> container) : std::shared_ptr<Container>(std::move(container)) {}
+
+    auto begin() const { return Items().begin(); }
+    auto end() const { return Items().end(); }
+
+private:
+    const Container& Items() const {
+        static const Container none;
+        return *this == nullptr ? none : **this;
+    }
+};
+
 template <typename T>
-using HostListRef = std::shared_ptr<std::vector<T>>;
+using HostListRef = HostRef<std::vector<T>>;
 
 /// A map of the host API: walks in the order of insertion and finds by key. A key can be added once, and only
 /// keys that are there can be asked for; both failures leave the map as it was.
@@ -53,8 +71,7 @@ private:
     std::map<Key, std::size_t> mPositions;
 };
 
-/// A map shared between all who hold it; may be null.
 template <typename Key, typename Value>
-using HostMapRef = std::shared_ptr<HostMap<Key, Value>>;
+using HostMapRef = HostRef<HostMap<Key, Value>>;
 
 }  // namespace VEMO::Kes::ConfigurationTools

@@ -2,6 +2,9 @@
 
 #include <sqlite3.h>
 
+#include <filesystem>
+#include <system_error>
+
 namespace VemoKesConfigTools::metadb {
 
 void Sqlite::Closer::operator()(sqlite3* database) const noexcept { sqlite3_close_v2(database); }
@@ -11,6 +14,8 @@ void SqliteStatement::Finalizer::operator()(sqlite3_stmt* statement) const noexc
 }
 
 Sqlite::Sqlite(const std::string& path, Mode mode) : mPath(path) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) throw DatabaseError(path + ": is a directory");
     const int flags =
         mode == Mode::ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     sqlite3* database = nullptr;
