@@ -116,12 +116,7 @@ void AddMetadata(CLI::App& app, Globals& globals) {
     build->add_option("SOURCE", options->sources, "JSON sources, read as one; \"-\" for standard input")
         ->required();
     build->add_option("-o,--output", options->output, "The database to write")->required()->type_name("DB");
-    build
-        ->add_option(
-            "--plugins", globals.plugins,
-            "Folder with the plug-ins, with which default values are checked (environment: KES_PLUGINS)")
-        ->envname("KES_PLUGINS")
-        ->type_name("DIR");
+    AddPluginsOption(*build, globals);
     build->footer("A wrong source is refused with the places of all its faults, and no database is written.");
     build->callback(
         [&globals, options] { globals.run = [&globals, options] { return Build(globals, *options); }; });
