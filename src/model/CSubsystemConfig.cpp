@@ -16,12 +16,8 @@ std::size_t CSubsystemConfig::SlotHash::operator()(const Key& key) const noexcep
     return static_cast<std::size_t>(hash ^ (hash >> 32U));
 }
 
-std::size_t CSubsystemConfig::SlotHash::operator()(const Slot& slot) const noexcept {
-    return (*this)(KeyOf(**slot.first));
-}
-
 bool CSubsystemConfig::SlotEqual::operator()(const Slot& left, const Slot& right) const noexcept {
-    return (*this)(KeyOf(**left.first), right);
+    return left.hash == right.hash && (*this)(KeyOf(**left.first), right);
 }
 
 bool CSubsystemConfig::SlotEqual::operator()(const Key& left, const Slot& right) const noexcept {
@@ -54,7 +50,7 @@ bool CSubsystemConfig::OnElementFound(CElement* element, IConfigContext& context
 }
 
 void CSubsystemConfig::Append(CElement* element) {
-    mSlots.insert({mElements.insert(mElements.end(), element), nullptr});
+    mSlots.insert({mElements.insert(mElements.end(), element), SlotHash()(KeyOf(*element)), nullptr});
     if (!element->Indices().empty()) ++mIndexedSlots[element->PsId()];
 }
 

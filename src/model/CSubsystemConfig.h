@@ -54,12 +54,13 @@ private:
     /// The elements of one key. The key is read off the first of them, so that it is not stored twice.
     struct Slot {
         ElementList::iterator first;
+        std::size_t hash;  ///< kept, so that no element has to be looked at to find another
         mutable std::unique_ptr<std::vector<ElementList::iterator>> others;
     };
     struct SlotHash {
         using is_transparent = void;
         std::size_t operator()(const Key& key) const noexcept;
-        std::size_t operator()(const Slot& slot) const noexcept;
+        std::size_t operator()(const Slot& slot) const noexcept { return slot.hash; }
     };
     struct SlotEqual {
         using is_transparent = void;

@@ -44,6 +44,9 @@ public:
     virtual std::string_view PlainRun() = 0;
     /// Moves past the first `n` characters of `PlainRun`.
     virtual void Consume(std::size_t n) = 0;
+    /// The reader at the bottom of the chain, and its position as it stands at any time.
+    virtual CTextReader* Bottom() = 0;
+    virtual const Position& At() const = 0;
 
     /// Consumes up to `n` characters, stops at the end of the text, and gives `Eof`.
     bool Skip(std::size_t n);

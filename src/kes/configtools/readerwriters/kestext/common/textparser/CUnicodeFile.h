@@ -26,6 +26,8 @@ public:
     void SetPosition(Position position) override { mPosition = position; }
     std::string_view PlainRun() override;
     void Consume(std::size_t n) override;
+    CTextReader* Bottom() override { return this; }
+    const Position& At() const override { return mPosition; }
 
     std::uint32_t GetLine() const { return mPosition.line; }
     std::uint32_t GetColumn() const { return mPosition.column; }

@@ -31,7 +31,7 @@ char CConcatLineFilter::GetChar() {
     return mpSource->GetChar();
 }
 
-std::string_view CConcatLineFilter::PlainRun() { return mLimit.Trim(mpSource->PlainRun(), '\\'); }
+std::string_view CConcatLineFilter::FindPlainRun() { return mLimit.Trim(mpSource->PlainRun(), '\\'); }
 
 void CConcatLineFilter::SkipContinuations() {
     std::string_view next = mpSource->PlainRun();
@@ -53,7 +53,7 @@ char CLineCommentFilter::GetChar() {
     return mpSource->GetChar();
 }
 
-std::string_view CLineCommentFilter::PlainRun() {
+std::string_view CLineCommentFilter::FindPlainRun() {
     const std::string_view run = mpSource->PlainRun();
     return gFiltersEnabled ? mLimit.Trim(run, mMarker.front()) : run;
 }
@@ -73,7 +73,7 @@ char CBlockCommentFilter::GetChar() {
     return mpSource->GetChar();
 }
 
-std::string_view CBlockCommentFilter::PlainRun() {
+std::string_view CBlockCommentFilter::FindPlainRun() {
     const std::string_view run = mpSource->PlainRun();
     return gFiltersEnabled ? mLimit.Trim(run, '/') : run;
 }

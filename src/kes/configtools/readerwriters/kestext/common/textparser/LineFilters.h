@@ -2,6 +2,7 @@
 
 #include "kes/configtools/readerwriters/kestext/common/textparser/CTextReader.h"
 
+#include <algorithm>
 #include <string>
 
 namespace VemoKesConfigTools {
@@ -23,19 +24,45 @@ private:
     bool mHit = false;  ///< mTo points at a stop character
 };
 
-/// What all filters share: the position is that of the source.
+/// What all filters share: the position is that of the reader at the bottom. The plain run is found once and
+/// then served from memory for as long as the position moves within it.
 class CLineFilter : public CTextReader {
 public:
-    explicit CLineFilter(CTextReader* source) : mpSource(source) {}
+    explicit CLineFilter(CTextReader* source)
+        : mpSource(source), mpBottom(source->Bottom()), mAt(mpBottom->At()) {}
 
-    bool Eof() override { return mpSource->Eof(); }
-    Position GetPosition() override { return mpSource->GetPosition(); }
-    void SetPosition(Position position) override { mpSource->SetPosition(position); }
-    void Consume(std::size_t n) override { mpSource->Consume(n); }
+    bool Eof() final { return mAt.eof; }
+    Position GetPosition() final { return mAt; }
+    void SetPosition(Position position) final { mpBottom->SetPosition(position); }
+    std::string_view PlainRun() final {
+        if (mAt.offset != mRunOffset || mAt.eof || mRunFiltered != gFiltersEnabled) {
+            mRun = FindPlainRun();
+            mRunOffset = mAt.offset;
+            mRunFiltered = gFiltersEnabled;
+        }
+        return mRun;
+    }
+    void Consume(std::size_t n) final {
+        mpBottom->Consume(n);
+        mRun.remove_prefix(std::min(n, mRun.size()));
+        mRunOffset += n;
+    }
+    CTextReader* Bottom() final { return mpBottom; }
+    const Position& At() const final { return mAt; }
 
 protected:
+    /// The part of the source's plain run in which this filter has nothing to do.
+    virtual std::string_view FindPlainRun() = 0;
+
     CTextReader* mpSource;
     CRunLimit mLimit;
+
+private:
+    CTextReader* mpBottom;
+    const Position& mAt;
+    std::string_view mRun;  ///< the plain run at `mRunOffset`
+    std::size_t mRunOffset = static_cast<std::size_t>(-1);
+    bool mRunFiltered = true;  ///< what `gFiltersEnabled` was when it was found
 };
 
 /// Joins lines: a backslash directly followed by a newline vanishes with it, any number in a row. A backslash
@@ -44,9 +71,9 @@ class CConcatLineFilter final : public CLineFilter {
 public:
     using CLineFilter::CLineFilter;
     char GetChar() override;
-    std::string_view PlainRun() override;
 
 private:
+    std::string_view FindPlainRun() override;
     void SkipContinuations();
 };
 
@@ -56,9 +83,9 @@ public:
     /// The marker is not empty.
     CLineCommentFilter(CTextReader* source, std::string marker);
     char GetChar() override;
-    std::string_view PlainRun() override;
 
 private:
+    std::string_view FindPlainRun() override;
     void SkipToLineEnd();
 
     std::string mMarker;
@@ -70,9 +97,9 @@ class CBlockCommentFilter final : public CLineFilter {
 public:
     using CLineFilter::CLineFilter;
     char GetChar() override;
-    std::string_view PlainRun() override;
 
 private:
+    std::string_view FindPlainRun() override;
     void SkipComment();
     void SkipToCommentEnd();
 
