@@ -2,6 +2,30 @@
 
 namespace VemoKesConfigTools::metadb {
 
+// The columns that keys and fields have in common, in one order everywhere.
+#define KES_RECORD_TABLE_COLUMNS                                  \
+    "    uid INTEGER NOT NULL,\n"                                 \
+    "    name TEXT NOT NULL,\n"                                   \
+    "    type TEXT NOT NULL,\n"                                   \
+    "    label TEXT NOT NULL,\n"                                  \
+    "    description TEXT NOT NULL,\n"                            \
+    "    description_internal TEXT NOT NULL,\n"                   \
+    "    format TEXT NOT NULL,\n"                                 \
+    "    min INTEGER NOT NULL,\n"                                 \
+    "    max INTEGER NOT NULL,\n"                                 \
+    "    units TEXT NOT NULL,\n"                                  \
+    "    access TEXT NOT NULL,\n"                                 \
+    "    internal INTEGER NOT NULL CHECK (internal IN (0, 1)),\n" \
+    "    is_array INTEGER NOT NULL CHECK (is_array IN (0, 1)),\n" \
+    "    array_min INTEGER NOT NULL,\n"                           \
+    "    array_max INTEGER NOT NULL,\n"                           \
+    "    oid TEXT NOT NULL,\n"                                    \
+    "    source TEXT NOT NULL,\n"
+#define KES_RECORD_COLUMNS                                                                                   \
+    "uid, name, type, label, description, description_internal, format, min, max, units, access, internal, " \
+    "is_array, array_min, array_max, oid, source"
+inline constexpr int RECORD_COLUMN_COUNT = 17;
+
 // The tables. `position` counts from 0 within what the row belongs to and keeps the order of the source.
 inline constexpr const char* SCHEMA = R"sql(
 CREATE TABLE system (
@@ -50,48 +74,14 @@ CREATE TABLE struct_type (
 CREATE TABLE field (
     id INTEGER PRIMARY KEY,
     struct_type_id INTEGER NOT NULL REFERENCES struct_type (id),
-    uid INTEGER NOT NULL,
-    name TEXT NOT NULL,
-    type TEXT NOT NULL,
-    label TEXT NOT NULL,
-    description TEXT NOT NULL,
-    description_internal TEXT NOT NULL,
-    format TEXT NOT NULL,
-    min INTEGER NOT NULL,
-    max INTEGER NOT NULL,
-    units TEXT NOT NULL,
-    access TEXT NOT NULL,
-    internal INTEGER NOT NULL CHECK (internal IN (0, 1)),
-    is_array INTEGER NOT NULL CHECK (is_array IN (0, 1)),
-    array_min INTEGER NOT NULL,
-    array_max INTEGER NOT NULL,
-    oid TEXT NOT NULL,
-    source TEXT NOT NULL,
-    lsb INTEGER NOT NULL,
+)sql" KES_RECORD_TABLE_COLUMNS R"sql(    lsb INTEGER NOT NULL,
     width INTEGER NOT NULL
 ) STRICT;
 CREATE INDEX field_of_struct ON field (struct_type_id);
 CREATE TABLE key (
     id INTEGER PRIMARY KEY,
     subsystem_id INTEGER NOT NULL REFERENCES subsystem (id),
-    uid INTEGER NOT NULL,
-    name TEXT NOT NULL,
-    type TEXT NOT NULL,
-    label TEXT NOT NULL,
-    description TEXT NOT NULL,
-    description_internal TEXT NOT NULL,
-    format TEXT NOT NULL,
-    min INTEGER NOT NULL,
-    max INTEGER NOT NULL,
-    units TEXT NOT NULL,
-    access TEXT NOT NULL,
-    internal INTEGER NOT NULL CHECK (internal IN (0, 1)),
-    is_array INTEGER NOT NULL CHECK (is_array IN (0, 1)),
-    array_min INTEGER NOT NULL,
-    array_max INTEGER NOT NULL,
-    oid TEXT NOT NULL,
-    source TEXT NOT NULL,
-    psid INTEGER NOT NULL CHECK (psid BETWEEN 0 AND 4294967295),
+)sql" KES_RECORD_TABLE_COLUMNS R"sql(    psid INTEGER NOT NULL CHECK (psid BETWEEN 0 AND 4294967295),
     UNIQUE (subsystem_id, name)
 ) STRICT;
 CREATE TABLE key_index (
@@ -121,11 +111,5 @@ CREATE TABLE default_value (
     UNIQUE (key_id, indexes)
 ) STRICT, WITHOUT ROWID;
 )sql";
-
-// The columns that keys and fields have in common, in one order everywhere.
-#define KES_RECORD_COLUMNS                                                                                   \
-    "uid, name, type, label, description, description_internal, format, min, max, units, access, internal, " \
-    "is_array, array_min, array_max, oid, source"
-inline constexpr int RECORD_COLUMN_COUNT = 17;
 
 }  // namespace VemoKesConfigTools::metadb

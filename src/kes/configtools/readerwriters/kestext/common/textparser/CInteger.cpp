@@ -4,48 +4,24 @@
 #include "kes/configtools/readerwriters/kestext/common/textparser/ReadNumber.h"
 #include "model/Payloads.h"
 
+#include <bit>
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace VemoKesConfigTools {
 
 namespace {
 
+/// The types of payloads stand in the order of their widths, the signed ones first.
 template <typename T>
-struct PayloadOf;
-template <>
-struct PayloadOf<std::uint8_t> {
-    using Type = CUint8Payload;
-};
-template <>
-struct PayloadOf<std::uint16_t> {
-    using Type = CUint16Payload;
-};
-template <>
-struct PayloadOf<std::uint32_t> {
-    using Type = CUint32Payload;
-};
-template <>
-struct PayloadOf<std::uint64_t> {
-    using Type = CUint64Payload;
-};
-template <>
-struct PayloadOf<std::int8_t> {
-    using Type = CInt8Payload;
-};
-template <>
-struct PayloadOf<std::int16_t> {
-    using Type = CInt16Payload;
-};
-template <>
-struct PayloadOf<std::int32_t> {
-    using Type = CInt32Payload;
-};
-template <>
-struct PayloadOf<std::int64_t> {
-    using Type = CInt64Payload;
-};
+constexpr auto PAYLOAD_TYPE = static_cast<PayloadTypeEnum>((std::is_unsigned_v<T> ? PAYLOAD_TYPE_UINT8
+                                                                                  : PAYLOAD_TYPE_INT8) +
+                                                           std::countr_zero(sizeof(T)));
+static_assert(PAYLOAD_TYPE<std::int8_t> == PAYLOAD_TYPE_INT8 &&
+              PAYLOAD_TYPE<std::uint64_t> == PAYLOAD_TYPE_UINT64);
 
 template <typename T>
 CParserError IntAction(std::vector<IPayload*>& payloads, const IMetadata& metadata, T value) {
@@ -57,7 +33,7 @@ CParserError IntAction(std::vector<IPayload*>& payloads, const IMetadata& metada
     const auto wide = static_cast<Wide>(value);
     if (std::cmp_less(wide, lo)) return {PE_VALUE_TOO_SMALL, RangeDetail(lo, hi, std::to_string(wide))};
     if (std::cmp_greater(wide, hi)) return {PE_VALUE_TOO_LARGE, RangeDetail(lo, hi, std::to_string(wide))};
-    auto payload = std::make_unique<typename PayloadOf<T>::Type>(value);
+    auto payload = std::make_unique<CIntegerPayload<T, PAYLOAD_TYPE<T>>>(value);
     payload->Use(metadata);
     payloads.push_back(payload.get());
     static_cast<void>(payload.release());
