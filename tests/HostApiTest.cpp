@@ -221,6 +221,33 @@ TEST_F(HostApi, LoadsATextAndSaysWhatIsWrongWithIt) {
     EXPECT_FALSE(facade.IsMixedSubsystemTypes());
 }
 
+TEST_F(HostApi, SavesATextAndSaysWhyNot) {
+    FrameworkFacade facade(EXAMPLE_DATABASE);
+    EXPECT_EQ(LastError(), "1 Packint readerwriter plugin not found.")
+        << "reader and writer of texts are there";
+    const std::string path = mFolder / "saved.ktf";
+    EXPECT_FALSE(facade.SaveText(path));
+    EXPECT_EQ(LastError(), "0 no chip is set");
+    facade.OwningChip(ChipOf(LABEL));
+    EXPECT_FALSE(
+        facade.LoadText(mFolder.Write("a.ktf", "file=bluetooth2\nbd_addr=00-02-5b-01-AB-CD\nx=1"), false));
+    EXPECT_TRUE(facade.SaveText(path));
+    EXPECT_EQ(LastError(), "none") << "a save clears what was stored before";
+    EXPECT_EQ(KesTest::ReadFile(path), std::string("version=") + LABEL +
+                                           "\n\n##############################\nfile=bluetooth2\n"
+                                           "\n# Device address\nbd_addr = [ 00 02 5B 01 AB CD ]\n");
+    EXPECT_TRUE(facade.LoadText(path, false));
+    EXPECT_EQ(facade.GetPlaces()->front()->KeyCount(), 1U) << "a save leaves the configuration as it is";
+
+    EXPECT_FALSE(facade.SaveText(mFolder / "missing/a.ktf"));
+    EXPECT_EQ(LastError(), "0 unable to open the file: " + (mFolder / "missing/a.ktf"));
+    EXPECT_FALSE(facade.SaveText(HostString()));
+    EXPECT_EQ(LastError(), "0 no file name is given");
+    facade.Dispose();
+    EXPECT_FALSE(facade.SaveText(path));
+    EXPECT_EQ(LastError(), "1 sqlite metadata plugin not found.");
+}
+
 TEST_F(HostApi, SettingTheChipDropsTheConfiguration) {
     FrameworkFacade facade(EXAMPLE_DATABASE);
     const std::shared_ptr<Chip> chip = ChipOf(LABEL);

@@ -42,6 +42,9 @@ TEST(MissingPlugins, HostComesUpAndIsToldWhatIsMissing) {
     half.OwningChip(std::make_shared<Chip>());
     EXPECT_FALSE(half.LoadText("any", false));
     EXPECT_EQ(LastError(), "1 KesText readerwriter plugin not found.");
+    half.LoadBlank();
+    EXPECT_FALSE(half.SaveText(folder / "a.ktf"));
+    EXPECT_EQ(LastError(), "1 KesText readerwriter plugin not found.");
 }
 
 }  // namespace

@@ -97,6 +97,7 @@ TEST(PluginFolder, GivesNullForWhatAPluginDoesNotHave) {
     EXPECT_EQ(factory.CreateStoreManager("KesText", "x", nullptr), nullptr);
     EXPECT_EQ(factory.CreateReader("nobody", "x", nullptr), nullptr);
     EXPECT_EQ(factory.CreateReader("KesText", "", nullptr), nullptr) << "neither a file nor a stream";
+    EXPECT_EQ(factory.CreateWriter("KesText", "", nullptr), nullptr);
     EXPECT_EQ(metadata.Create("KesText", "x"), nullptr);
     const std::unique_ptr<IConfigReader> reader(factory.CreateReader("KesText", "file", nullptr));
     EXPECT_NE(reader, nullptr);

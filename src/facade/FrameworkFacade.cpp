@@ -27,6 +27,7 @@ namespace {
 
 constexpr const char* NO_PROVIDER = "sqlite metadata plugin not found.";
 constexpr const char* NO_KESTEXT = "KesText readerwriter plugin not found.";
+constexpr const char* NO_CHIP = "no chip is set";
 constexpr const char* NO_PACKINT = "Packint readerwriter plugin not found.";
 
 constexpr std::int16_t ERROR_DATA = 0;
@@ -44,11 +45,17 @@ bool Fail(const char* function, std::int16_t number, const char* text) {
     return false;
 }
 
-/// The context of a whole load.
-CKesContext LoadContext(const Chip& chip) {
+/// The context of a whole save.
+CKesContext SaveContext(const Chip& chip) {
     CKesContext context;
     context.SetChip(Framework::GetString(chip.SystemVersionLabel()));
     context.SetFileType(FILE_TYPE);
+    return context;
+}
+
+/// The context of a whole load.
+CKesContext LoadContext(const Chip& chip) {
+    CKesContext context = SaveContext(chip);
     context.SetTag(STR_INSERT_MODE, STR_OVERWRITE);
     return context;
 }
@@ -123,6 +130,24 @@ bool FrameworkFacade::LoadText(const HostString& filePath, bool merge) {
     return mpTextReader->Read(context);
 }
 
+bool FrameworkFacade::SaveText(const HostString& filePath) {
+    constexpr const char* FUNCTION = KES_FACADE_FUNCTION("SaveText");
+    const std::string path = Framework::GetString(filePath);
+    const std::unique_ptr<IConfigWriter> writer(
+        CReaderWriterFactory::Ref().CreateWriter("KesText", path, nullptr));
+    DefaultHandler(FUNCTION).ClearError(CMessageHandler::GROUP_DEFAULT);
+    if (!writer) {
+        // The plug-in is there, but has no writer for a file without a name.
+        if (mpBuffWriter && path.empty()) return Fail(FUNCTION, ERROR_DATA, "no file name is given");
+        return Fail(FUNCTION, ERROR_PLUGIN, NO_KESTEXT);
+    }
+    if (!mpProvider) return Fail(FUNCTION, ERROR_PLUGIN, NO_PROVIDER);
+    if (!mOwningChip) return Fail(FUNCTION, ERROR_DATA, NO_CHIP);
+    writer->SetMetadataProvider(mpProvider.get());
+    CKesContext context = SaveContext(*mOwningChip);
+    return mpFileChip->Write(*writer, context);
+}
+
 HostListRef<std::shared_ptr<Store>> FrameworkFacade::GetStores() const {
     if (!mpFileChip) return nullptr;
     auto list = std::make_shared<std::vector<std::shared_ptr<Store>>>();
@@ -150,7 +175,7 @@ HostListRef<std::shared_ptr<Place>> FrameworkFacade::GetPlaces() const {
 bool FrameworkFacade::CanRead(const char* function) const {
     if (!mpProvider) return Fail(function, ERROR_PLUGIN, NO_PROVIDER);
     if (!mpTextReader) return Fail(function, ERROR_PLUGIN, NO_KESTEXT);
-    if (!mOwningChip) return Fail(function, ERROR_DATA, "no chip is set");
+    if (!mOwningChip) return Fail(function, ERROR_DATA, NO_CHIP);
     return true;
 }
 

@@ -48,6 +48,9 @@ public:
     /// read; with it, keys of the file replace those that are there. A bad line costs that line only: all
     /// good ones are in the configuration although the result is false.
     bool LoadText(const HostString& filePath, bool merge);
+    /// Writes the configuration as a text file; one that is there is replaced. The configuration stays as it
+    /// is. After a failure the file may hold a part of it.
+    bool SaveText(const HostString& filePath);
 
     /// The stores of the configuration: those of the last load in their fixed order of devices, and those
     /// known before. Null once the facade is released.

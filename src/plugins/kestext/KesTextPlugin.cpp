@@ -1,6 +1,7 @@
-// Binds the reader of the text format to the name "KesText".
+// Binds the reader and the writer of the text format to the name "KesText".
 
 #include "kes/configtools/readerwriters/kestext/common/kesparser/CKesConfigReader.h"
+#include "kes/configtools/readerwriters/kestext/common/keswriter/CKesWriter.h"
 #include "plugins/kit/KesPlugin.h"
 
 #include <iostream>
@@ -9,7 +10,7 @@ namespace {
 
 using namespace VemoKesConfigTools;
 
-/// A connection is the name of a file; without one the argument is the `std::iostream` to read.
+/// A connection is the name of a file; without one the argument is the `std::iostream` to work on.
 IConfigReader* CreateReader(const char* connection, void* argument) {
     return KesPluginCreate<IConfigReader>([&]() -> IConfigReader* {
         if (*connection != '\0') return new CKesConfigReader(std::string(connection));
@@ -18,6 +19,15 @@ IConfigReader* CreateReader(const char* connection, void* argument) {
     });
 }
 
+/// The connection as for a reader. The caller sets the metadata provider.
+IConfigWriter* CreateWriter(const char* connection, void* argument) {
+    return KesPluginCreate<IConfigWriter>([&]() -> IConfigWriter* {
+        if (*connection != '\0') return new CKesWriter(std::string(connection), nullptr);
+        if (argument == nullptr) return nullptr;
+        return new CKesWriter(static_cast<std::iostream*>(argument), nullptr);
+    });
+}
+
 }  // namespace
 
-KES_PLUGIN_DESCRIBE("KesText", CreateReader, nullptr, nullptr, nullptr)
+KES_PLUGIN_DESCRIBE("KesText", CreateReader, CreateWriter, nullptr, nullptr)

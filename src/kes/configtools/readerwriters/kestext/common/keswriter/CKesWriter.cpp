@@ -177,18 +177,18 @@ void CKesWriter::Begin(IConfigContext& context) {
     KESWRITER_SENTRY(FUNCTION);
     const CKesContext* place = PlaceOf(context, FUNCTION);
     if (place == nullptr) return;
-    if (!mFileName.empty() && !OpenFile()) return Fail(FUNCTION, STR_FILE_OPEN_ERR, mFileName);
+    if (!mFileName.empty()) OpenFile();
+    if (mpStream == nullptr) return Fail(FUNCTION, STR_FILE_OPEN_ERR, mFileName);
     WriteOut("version=" + place->Chip() + "\n");
 }
 
-bool CKesWriter::OpenFile() {
+void CKesWriter::OpenFile() {
     mpFile = std::make_unique<OutputFile>();
     std::ofstream& stream = mpFile->stream;
     stream.rdbuf()->pubsetbuf(mpFile->buffer.data(), static_cast<std::streamsize>(mpFile->buffer.size()));
     stream.open(mFileName, std::ios::out);
     if (!stream.is_open()) mpFile.reset();
     mpStream = mpFile ? &mpFile->stream : nullptr;
-    return mpStream != nullptr;
 }
 
 void CKesWriter::WriteOut(std::string_view text) {

@@ -51,7 +51,7 @@ public:
 private:
     struct OutputFile;
 
-    bool OpenFile();
+    void OpenFile();
     void WriteOut(std::string_view text);
     bool IsArrayKey(IConfigContext& context) const;
 
