@@ -6,6 +6,8 @@ target_compile_options(
     kes_options
     INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual
               -Wformat=2 -Wimplicit-fallthrough -Werror -fvisibility=hidden
+              # Trace lines name source files; where the sources were built is nobody's business.
+              -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=
               # GCC 12 reports copies of short strings as overlapping; they are not.
               $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 if(KES_SANITIZE)

@@ -21,9 +21,8 @@ struct KeysOptions {
 };
 
 bool Contains(const std::string& text, const std::string& part) {
-    return std::ranges::search(text, part, [](unsigned char a, unsigned char b) {
-               return std::tolower(a) == std::tolower(b);
-           }).begin() != text.end();
+    const auto same = [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); };
+    return std::search(text.begin(), text.end(), part.begin(), part.end(), same) != text.end();
 }
 
 bool Matches(const api::Metadata& key, const std::string& pattern) {

@@ -7,21 +7,23 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <string_view>
 
 namespace kes::cli {
 
 namespace {
 
-bool IsSet(const char* variable) {
-    const char* value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
+/// The value of a variable of the environment; empty when it is not set.
+std::string_view Variable(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? std::string_view() : value;
 }
 
 bool WantsColor(bool noColor, bool terminal) {
-    if (noColor || IsSet("NO_COLOR")) return false;
-    if (IsSet("CLICOLOR_FORCE") && std::strcmp(std::getenv("CLICOLOR_FORCE"), "0") != 0) return true;
-    const char* term = std::getenv("TERM");
-    return terminal && (term == nullptr || std::strcmp(term, "dumb") != 0);
+    if (noColor || !Variable("NO_COLOR").empty()) return false;
+    const std::string_view force = Variable("CLICOLOR_FORCE");
+    if (!force.empty() && force != "0") return true;
+    return terminal && Variable("TERM") != "dumb";
 }
 
 /// The lines of a text, whose ends are LF, CR, CR LF and CR CR, as the text reader counts them.

@@ -97,7 +97,7 @@ std::string ExampleItem(const api::Metadata& key, bool alone) {
 }
 
 std::string ExampleValue(const api::Metadata& key, bool alone) {
-    const std::string item = ExampleItem(key, alone && !key.IsArray());
+    std::string item = ExampleItem(key, alone && !key.IsArray());
     if (!key.IsArray()) return item;
     std::string text = "{" + item;
     for (std::int32_t i = 1; i < key.ArrayMinLength(); ++i) text += ", " + item;

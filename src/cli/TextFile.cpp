@@ -3,12 +3,14 @@
 #include "cli/ExitCodes.h"
 #include "cli/Platform.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <regex>
+#include <string_view>
 
 namespace kes::cli {
 
@@ -16,15 +18,33 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// The label of a line `version = LABEL`, empty for any other line.
+std::string VersionOf(std::string_view line) {
+    constexpr std::string_view KEYWORD = "version";
+    constexpr std::string_view BLANKS = " \t";
+    const auto skipBlanks = [&] {
+        line.remove_prefix(std::min(line.find_first_not_of(BLANKS), line.size()));
+    };
+    skipBlanks();
+    const bool matches = std::ranges::equal(line.substr(0, KEYWORD.size()), KEYWORD,
+                                            [](unsigned char a, char b) { return std::tolower(a) == b; });
+    if (!matches) return {};
+    line.remove_prefix(KEYWORD.size());
+    skipBlanks();
+    if (!line.starts_with('=')) return {};
+    line.remove_prefix(1);
+    skipBlanks();
+    return std::string(line.substr(0, line.find_first_of(" \t\r#")));
+}
+
 std::string FindVersion(std::istream& text) {
     // Far enough down for any heading, and never through a whole file of megabytes.
     constexpr int MOST_LINES = 1000;
     constexpr std::size_t LONGEST_LINE = 1000;
-    static const std::regex version("^[ \\t]*version[ \\t]*=[ \\t]*([^ \\t\\r#]+)", std::regex::icase);
     std::string line;
     for (int i = 0; i < MOST_LINES && std::getline(text, line); ++i) {
-        std::smatch match;
-        if (line.size() < LONGEST_LINE && std::regex_search(line, match, version)) return match[1];
+        std::string version = line.size() < LONGEST_LINE ? VersionOf(line) : std::string();
+        if (!version.empty()) return version;
     }
     return {};
 }

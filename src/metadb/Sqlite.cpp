@@ -1,8 +1,7 @@
 #include "metadb/Sqlite.h"
 
-#include <sqlite3.h>
-
 #include <filesystem>
+#include <sqlite3.h>
 #include <system_error>
 
 namespace VemoKesConfigTools::metadb {

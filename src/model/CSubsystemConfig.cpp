@@ -63,7 +63,7 @@ void CSubsystemConfig::RemoveElement(std::uint32_t psid, const std::vector<std::
         mSlots.find(Key{psid, indices ? std::span(*indices) : std::span<const std::uint32_t>()});
     if (found == mSlots.end()) return;
     DropOthers(*found);
-    const ElementList::iterator first = found->first;
+    const auto first = found->first;
     const std::unique_ptr<const CElement> element(*first);
     mSlots.erase(found);
     mElements.erase(first);
