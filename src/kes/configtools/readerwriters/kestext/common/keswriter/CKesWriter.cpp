@@ -14,6 +14,8 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
+#include <typeinfo>
+#include <utility>
 #include <vector>
 
 // Opened in every public operation; costs one test while debug is off.
@@ -98,10 +100,8 @@ std::string_view DeviceText(std::int32_t device) {
     }
 }
 
-const IMetadata* MetadataOf(const IPayload& payload) {
-    const auto* user = dynamic_cast<const IMetadataUser*>(&payload);
-    return user == nullptr ? nullptr : user->Metadata();
-}
+/// Whether this is a composite, whatever its type. The class is final, so that no slower cast is needed.
+bool IsComposite(const IPayload& payload) { return typeid(payload) == typeid(CComplexPayload); }
 
 std::string FormatOf(const IMetadata* metadata) {
     return metadata == nullptr ? std::string() : metadata->Format();
@@ -333,9 +333,11 @@ void CKesWriter::AppendSeparator(const IPayload& payload) {
 }
 
 void CKesWriter::AppendValue(IPayload& payload, IConfigContext& context) {
-    if (payload.Type() == PAYLOAD_TYPE_STRUCT) return StructPayload(payload, context);
-    // An array within a struct has the type of its items.
-    if (dynamic_cast<const CComplexPayload*>(&payload) != nullptr) return ComplexFields(payload, context);
+    if (IsComposite(payload)) {
+        if (payload.Type() == PAYLOAD_TYPE_STRUCT) return StructPayload(payload, context);
+        // An array within a struct, which has the type of its items.
+        return ComplexFields(payload, context);
+    }
     switch (payload.Type()) {
         case PAYLOAD_TYPE_INT8:
             return IntPayload<std::int8_t>(payload);
@@ -364,7 +366,8 @@ void CKesWriter::AppendValue(IPayload& payload, IConfigContext& context) {
 
 template <typename T>
 void CKesWriter::IntPayload(const IPayload& payload) {
-    const IMetadata* metadata = MetadataOf(payload);
+    // The type tells the class, here and for strings and enumerators.
+    const IMetadata* metadata = static_cast<const CPayload<T>&>(payload).Metadata();
     const std::string format = FormatOf(metadata);
     CKesFormat(format, payload.Type()).Append(mBuffer, *static_cast<const T*>(payload.RawData()));
     AppendFieldComment(metadata);
@@ -372,7 +375,7 @@ void CKesWriter::IntPayload(const IPayload& payload) {
 
 void CKesWriter::StringPayload(const IPayload& payload) {
     const auto& bytes = *static_cast<const std::string*>(payload.RawData());
-    const std::string format = FormatOf(MetadataOf(payload));
+    const std::string format = FormatOf(static_cast<const CStringPayload&>(payload).Metadata());
     if (format == STR_UNICODE_STRING) {
         AppendQuoted(mBuffer, bytes);
     } else if (format == STR_MACADDR_STRING) {
@@ -410,14 +413,13 @@ void CKesWriter::StructPayload(const IPayload& payload, IConfigContext& context)
 }
 
 void CKesWriter::ComplexFields(const IPayload& payload, IConfigContext& context) {
-    const auto* composite = dynamic_cast<const CComplexPayload*>(&payload);
-    if (composite == nullptr) return;
     mFirstField = true;
     bool open = false;                // the brace of a field array
     const IMetadata* last = nullptr;  // of the last field that had any
     bool firstOfList = true;
-    for (IPayload* field : composite->GetFields()) {
-        if (const IMetadata* metadata = MetadataOf(*field)) {
+    for (IPayload* field : static_cast<const CComplexPayload&>(payload).GetFields()) {
+        const auto* user = dynamic_cast<const IMetadataUser*>(field);
+        if (const IMetadata* metadata = user == nullptr ? nullptr : user->Metadata()) {
             if (open && metadata != last && metadata->Name() != last->Name()) {
                 mBuffer += '}';
                 open = false;
