@@ -103,6 +103,12 @@ std::string_view DeviceText(std::int32_t device) {
 /// Whether this is a composite, whatever its type. The class is final, so that no slower cast is needed.
 bool IsComposite(const IPayload& payload) { return typeid(payload) == typeid(CComplexPayload); }
 
+/// For a payload of any class, the ones of plug-ins included.
+const IMetadata* MetadataOf(const IPayload& payload) {
+    const auto* user = dynamic_cast<const IMetadataUser*>(&payload);
+    return user == nullptr ? nullptr : user->Metadata();
+}
+
 std::string FormatOf(const IMetadata* metadata) {
     return metadata == nullptr ? std::string() : metadata->Format();
 }
@@ -418,8 +424,7 @@ void CKesWriter::ComplexFields(const IPayload& payload, IConfigContext& context)
     const IMetadata* last = nullptr;  // of the last field that had any
     bool firstOfList = true;
     for (IPayload* field : static_cast<const CComplexPayload&>(payload).GetFields()) {
-        const auto* user = dynamic_cast<const IMetadataUser*>(field);
-        if (const IMetadata* metadata = user == nullptr ? nullptr : user->Metadata()) {
+        if (const IMetadata* metadata = MetadataOf(*field)) {
             if (open && metadata != last && metadata->Name() != last->Name()) {
                 mBuffer += '}';
                 open = false;
