@@ -16,6 +16,14 @@ if(KES_SANITIZE)
     target_link_options(kes_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(KES_FUZZ)
+    if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+        message(FATAL_ERROR "KES_FUZZ needs clang")
+    endif()
+    target_compile_options(kes_options INTERFACE -fsanitize=fuzzer-no-link)
+    target_link_options(kes_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # kes_internal_library(NAME SOURCES...): a static library for use inside the project only.
 function(kes_internal_library name)
     add_library(${name} STATIC ${ARGN})
