@@ -31,6 +31,7 @@ void AddChips(CLI::App& app, Globals& globals);
 void AddSubsystems(CLI::App& app, Globals& globals);
 void AddKeys(CLI::App& app, Globals& globals);
 void AddDescribe(CLI::App& app, Globals& globals);
+void AddRewrite(CLI::App& app, Globals& globals);
 void AddMetadata(CLI::App& app, Globals& globals);
 
 }  // namespace kes::cli

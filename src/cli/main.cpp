@@ -13,7 +13,7 @@ namespace {
 using namespace kes::cli;
 
 /// The commands in the order of the help.
-constexpr void (*COMMANDS[])(CLI::App&, Globals&) = {AddCheck, AddChips,    AddSubsystems,
+constexpr void (*COMMANDS[])(CLI::App&, Globals&) = {AddCheck, AddRewrite,  AddChips,   AddSubsystems,
                                                      AddKeys,  AddDescribe, AddMetadata};
 
 /// What is wrong with the command line. A word that is no command tells more than that one is missing.

@@ -5,6 +5,7 @@
 #include "model/CChipConfig.h"
 #include "model/CKesContext.h"
 #include "model/CMetadataProviderFactory.h"
+#include "model/CRawKeysWriter.h"
 #include "model/CReaderWriterFactory.h"
 #include "model/CStoreInfo.h"
 #include "model/CSubsystemConfig.h"
@@ -14,6 +15,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <sstream>
 #include <utility>
 
@@ -130,7 +132,9 @@ bool FrameworkFacade::LoadText(const HostString& filePath, bool merge) {
     return mpTextReader->Read(context);
 }
 
-bool FrameworkFacade::SaveText(const HostString& filePath) {
+bool FrameworkFacade::SaveText(const HostString& filePath) { return SaveText(filePath, TextForm()); }
+
+bool FrameworkFacade::SaveText(const HostString& filePath, const TextForm& form) {
     constexpr const char* FUNCTION = KES_FACADE_FUNCTION("SaveText");
     const std::string path = Framework::GetString(filePath);
     const std::unique_ptr<IConfigWriter> writer(
@@ -145,7 +149,15 @@ bool FrameworkFacade::SaveText(const HostString& filePath) {
     if (!mOwningChip) return Fail(FUNCTION, ERROR_DATA, NO_CHIP);
     writer->SetMetadataProvider(mpProvider.get());
     CKesContext context = SaveContext(*mOwningChip);
-    return mpFileChip->Write(*writer, context);
+    if (form.simple) context.SetTag(STR_TXT_SIMPLE_MODE, STR_TRUE);
+    CRawKeysWriter front(*writer, *mpProvider);
+    return mpFileChip->Write(form.readsBack ? front : *writer, context);
+}
+
+HostString FrameworkFacade::FirstDifference(const FrameworkFacade& other) const {
+    if (!mpFileChip || !other.mpFileChip) return "a facade is released";
+    const std::optional<std::string> difference = mpFileChip->FirstDifference(*other.mpFileChip);
+    return difference ? HostString(*difference) : HostString();
 }
 
 HostListRef<std::shared_ptr<Store>> FrameworkFacade::GetStores() const {

@@ -20,6 +20,16 @@ class IMetadataProvider;
 
 namespace VEMO::Kes::ConfigurationTools {
 
+/// How a text is written.
+struct TextForm {
+    /// One line for each key, without comments and continued lines.
+    bool simple = false;
+    /// Every value is written in a form that reads back and that its metadata asks for: keys that the
+    /// metadata does not know and values that were given raw come out raw, texts quoted, MAC addresses as
+    /// such.
+    bool readsBack = false;
+};
+
 /// One chip's configuration, as a host works on it. Build it after `Framework::Init`, set `OwningChip`, then
 /// load. Used from one thread at a time.
 ///
@@ -51,6 +61,11 @@ public:
     /// Writes the configuration as a text file; one that is there is replaced. The configuration stays as it
     /// is. After a failure the file may hold a part of it.
     bool SaveText(const HostString& filePath);
+    /// The same in a form of the host's choice.
+    bool SaveText(const HostString& filePath, const TextForm& form);
+    /// Where this configuration differs first from another one in places, keys or values, in words; null when
+    /// they are the same. Stores are not compared.
+    HostString FirstDifference(const FrameworkFacade& other) const;
 
     /// The stores of the configuration: those of the last load in their fixed order of devices, and those
     /// known before. Null once the facade is released.

@@ -204,6 +204,21 @@ void CChipConfig::Clear() {
     mChipId = 0;
 }
 
+std::optional<std::string> CChipConfig::FirstDifference(const CChipConfig& other) const {
+    const auto [mine, theirs] = std::ranges::mismatch(
+        mPlacesInOrder, other.mPlacesInOrder,
+        [](const CSubsystemConfig* left, const CSubsystemConfig* right) { return left->Same(*right); });
+    if (mine == mPlacesInOrder.end() && theirs == other.mPlacesInOrder.end()) return std::nullopt;
+    const CSubsystemConfig& place = mine != mPlacesInOrder.end() ? **mine : **theirs;
+    std::string text = "subsystem type " + std::to_string(place.Type()) + ", device " +
+                       std::to_string(place.Place().Device()) + ", store " +
+                       std::to_string(place.Place().Store());
+    if (mine != mPlacesInOrder.end() && theirs != other.mPlacesInOrder.end()) {
+        if (const CElement* element = place.FirstDifferent(**theirs)) text += ": " + element->ToString();
+    }
+    return text;
+}
+
 bool CChipConfig::HasElements() const {
     return std::ranges::any_of(mPlacesInOrder,
                                [](const CSubsystemConfig* place) { return !place->Elements().empty(); });

@@ -63,6 +63,9 @@ public:
     const std::map<std::string, CSubsystemConfig*>& Subsystems() const { return mSubsystems; }
     /// The stores: those of the last read in the reader's order, and those known before.
     const std::list<CStoreInfo*>& Stores() const { return mStores; }
+    /// Where the other configuration differs first in places, keys or values, in words. Stores and chip id
+    /// are not compared.
+    std::optional<std::string> FirstDifference(const CChipConfig& other) const;
     bool HasElements() const;
     bool HasElements(SubSystemTypeEnum type) const;
     /// Whether this psid is there, with or without indexes, in this subsystem type and layer.

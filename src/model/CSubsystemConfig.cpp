@@ -81,6 +81,20 @@ void CSubsystemConfig::DropOthers(const Slot& slot) {
     slot.others.reset();
 }
 
+bool CSubsystemConfig::Same(const CSubsystemConfig& other) const {
+    return mContext.SubsystemType() == other.mContext.SubsystemType() &&
+           mContext.Device() == other.mContext.Device() && mContext.Store() == other.mContext.Store() &&
+           mContext.LayerNumber() == other.mContext.LayerNumber() &&
+           mElements.size() == other.mElements.size() && FirstDifferent(other) == nullptr;
+}
+
+const CElement* CSubsystemConfig::FirstDifferent(const CSubsystemConfig& other) const {
+    const auto [mine, theirs] =
+        std::ranges::mismatch(mElements, other.mElements,
+                              [](const CElement* left, const CElement* right) { return *left == *right; });
+    return mine == mElements.end() ? nullptr : *mine;
+}
+
 CElement* CSubsystemConfig::Find(std::uint32_t psid, std::span<const std::uint32_t> indices) const {
     const auto found = mSlots.find(Key{psid, indices});
     if (found == mSlots.end()) return nullptr;

@@ -1,0 +1,160 @@
+#include "model/CRawKeysWriter.h"
+
+#include "model/CStructField.h"
+#include "model/IConfigContext.h"
+#include "model/IMetadata.h"
+#include "model/IMetadataDetail.h"
+#include "model/IMetadataProvider.h"
+#include "model/IMetadataUser.h"
+#include "model/Payloads.h"
+#include "model/Words.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace VemoKesConfigTools {
+
+namespace {
+
+bool IsString(const IPayload& payload) {
+    return payload.Type() == PAYLOAD_TYPE_STRING && dynamic_cast<const CComplexPayload*>(&payload) == nullptr;
+}
+
+/// Whether a string of this key or field reads back in the form that the format names. A MAC address ends at
+/// a blank only, so it must stand alone, and an empty one is nothing at all.
+bool TakesItsForm(const IMetadata& metadata, const IPayload& payload, bool alone) {
+    const std::string format = metadata.Format();
+    return format == STR_UNICODE_STRING || (format == STR_MACADDR_STRING && alone && payload.Length() != 0);
+}
+
+std::unique_ptr<IPayload> Copy(const IPayload& payload);
+
+template <typename Payload>
+std::unique_ptr<IPayload> CopyAs(const IPayload& payload) {
+    return std::make_unique<Payload>(static_cast<const Payload&>(payload));
+}
+
+/// A string with the metadata of its key or field.
+std::unique_ptr<IPayload> StringWith(const IPayload& payload, const IMetadata& metadata) {
+    auto copy = std::make_unique<CStringPayload>(static_cast<const CStringPayload&>(payload));
+    copy->Use(metadata);
+    return copy;
+}
+
+std::unique_ptr<IPayload> CopyComposite(const CComplexPayload& composite) {
+    auto copy = std::make_unique<CComplexPayload>(composite.Type());
+    const IMetadata* metadata = composite.Metadata();
+    if (metadata != nullptr) copy->Use(*metadata);
+    const IMetadataDetail* detail = metadata == nullptr ? nullptr : metadata->Detail();
+    const std::vector<IPayload*>& fields = composite.GetFields();
+    const bool known = detail != nullptr && detail->Fields().size() == fields.size();
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        const IMetadata* field = known ? detail->Fields()[i]->Metadata() : nullptr;
+        const bool formed =
+            field != nullptr && IsString(*fields[i]) && TakesItsForm(*field, *fields[i], false);
+        copy->AddField((formed ? StringWith(*fields[i], *field) : Copy(*fields[i])).release());
+    }
+    return copy;
+}
+
+std::unique_ptr<IPayload> Copy(const IPayload& payload) {
+    if (const auto* composite = dynamic_cast<const CComplexPayload*>(&payload))
+        return CopyComposite(*composite);
+    switch (payload.Type()) {
+        case PAYLOAD_TYPE_INT8:
+            return CopyAs<CInt8Payload>(payload);
+        case PAYLOAD_TYPE_INT16:
+            return CopyAs<CInt16Payload>(payload);
+        case PAYLOAD_TYPE_INT32:
+            return CopyAs<CInt32Payload>(payload);
+        case PAYLOAD_TYPE_INT64:
+            return CopyAs<CInt64Payload>(payload);
+        case PAYLOAD_TYPE_UINT8:
+            return CopyAs<CUint8Payload>(payload);
+        case PAYLOAD_TYPE_UINT16:
+            return CopyAs<CUint16Payload>(payload);
+        case PAYLOAD_TYPE_UINT32:
+            return CopyAs<CUint32Payload>(payload);
+        case PAYLOAD_TYPE_UINT64:
+            return CopyAs<CUint64Payload>(payload);
+        case PAYLOAD_TYPE_ENUM:
+            return CopyAs<CEnumPayload>(payload);
+        default:
+            return CopyAs<CStringPayload>(payload);
+    }
+}
+
+bool HoldsString(const IPayload& payload) {
+    const auto* composite = dynamic_cast<const CComplexPayload*>(&payload);
+    if (composite == nullptr) return payload.Type() == PAYLOAD_TYPE_STRING;
+    return std::ranges::any_of(composite->GetFields(),
+                               [](const IPayload* field) { return HoldsString(*field); });
+}
+
+}  // namespace
+
+void CRawKeysWriter::BeginElement(IConfigContext& context) {
+    mPayloads.clear();
+    mWriter.BeginElement(context);
+}
+
+void CRawKeysWriter::WriteUid(std::uint32_t psid, IConfigContext& context) {
+    mPsid = psid;
+    mWriter.WriteUid(psid, context);
+}
+
+void CRawKeysWriter::WritePayload(IPayload& payload, IConfigContext& /*context*/) {
+    mPayloads.push_back(&payload);
+}
+
+void CRawKeysWriter::EndElement(IConfigContext& context) {
+    const std::string before = context.GetTag(STR_RAW_MODE);
+    const IMetadata& metadata = mProvider.MetadataByPsid(mPsid, context, true);
+    const bool raw = NeedsRawForm(metadata);
+    if (raw) context.SetTag(STR_RAW_MODE, STR_TRUE);
+    for (IPayload* payload : mPayloads) {
+        const std::unique_ptr<IPayload> formed = raw ? nullptr : WithStringForms(*payload, metadata);
+        mWriter.WritePayload(formed ? *formed : *payload, context);
+    }
+    context.SetTag(STR_RAW_MODE, before);
+    mWriter.EndElement(context);
+}
+
+/// A copy whose strings know their form; null where the payload itself will do.
+std::unique_ptr<IPayload> CRawKeysWriter::WithStringForms(const IPayload& payload,
+                                                          const IMetadata& metadata) {
+    if (!HoldsString(payload)) return nullptr;
+    if (!IsString(payload)) return Copy(payload);
+    return TakesItsForm(metadata, payload, !metadata.IsArray()) ? StringWith(payload, metadata) : nullptr;
+}
+
+bool CRawKeysWriter::NeedsRawForm(const IMetadata& metadata) const {
+    if (!metadata.IsValid()) return true;
+    const auto isString = [](const IPayload* payload) { return payload->Type() == PAYLOAD_TYPE_STRING; };
+    if (std::ranges::all_of(mPayloads, isString)) return !TakesStrings(metadata);
+    const bool mayHoldStrings = metadata.TypeName() == STR_OCTET_STRING;
+    return std::ranges::any_of(mPayloads, [&](const IPayload* payload) {
+        // Strings never carry metadata; whatever else has none was given raw.
+        if (isString(payload)) return !mayHoldStrings;
+        const auto* user = dynamic_cast<const IMetadataUser*>(payload);
+        return user == nullptr || user->Metadata() == nullptr;
+    });
+}
+
+bool CRawKeysWriter::TakesStrings(const IMetadata& metadata) const {
+    const std::string format = metadata.Format();
+    if (metadata.TypeName() != STR_OCTET_STRING) return false;
+    if (!format.empty() && format != STR_UNICODE_STRING && format != STR_MACADDR_STRING) return false;
+    const std::size_t count = mPayloads.size();
+    const bool rightCount = metadata.IsArray() ? std::cmp_greater_equal(count, metadata.ArrayMinLength()) &&
+                                                     std::cmp_less_equal(count, metadata.ArrayMaxLength())
+                                               : count <= 1;
+    return rightCount && std::ranges::all_of(mPayloads, [&](const IPayload* payload) {
+               const std::uint32_t length = payload->Length();
+               return std::cmp_greater_equal(length, metadata.Min()) &&
+                      std::cmp_less_equal(length, metadata.Max());
+           });
+}
+
+}  // namespace VemoKesConfigTools

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "messages/Export.h"
+#include "model/IConfigWriter.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace VemoKesConfigTools {
+
+class IMetadata;
+
+/// A writer in front of a text writer that lets each value come out in a form that reads back, and in the
+/// form that its metadata asks for. Keys that the metadata does not know, and values that were given raw,
+/// come out raw. Texts and MAC addresses, which carry no metadata of their own, come out as such and not as
+/// octets. All else it passes on; the values are left as they are. Neither the writer nor the provider is
+/// owned.
+class KES_API CRawKeysWriter final : public IConfigWriter {
+public:
+    CRawKeysWriter(IConfigWriter& writer, IMetadataProvider& provider)
+        : mWriter(writer), mProvider(provider) {}
+
+    void SetMetadataProvider(IMetadataProvider* provider) override { mWriter.SetMetadataProvider(provider); }
+    void Begin(IConfigContext& context) override { mWriter.Begin(context); }
+    void End(IConfigContext& context) override { mWriter.End(context); }
+    void BeginSubsystem(IConfigContext& context) override { mWriter.BeginSubsystem(context); }
+    void EndSubsystem(IConfigContext& context) override { mWriter.EndSubsystem(context); }
+    void BeginElement(IConfigContext& context) override;
+    /// Hands the payloads on, now that all of them are known.
+    void EndElement(IConfigContext& context) override;
+    void WriteUid(std::uint32_t psid, IConfigContext& context) override;
+    void WriteHeaderInfo(const std::string& name, const void* value, std::uint32_t size,
+                         IConfigContext& context) override {
+        mWriter.WriteHeaderInfo(name, value, size, context);
+    }
+    /// Keeps the payload until the element ends. It must live until then.
+    void WritePayload(IPayload& payload, IConfigContext& context) override;
+
+private:
+    bool NeedsRawForm(const IMetadata& metadata) const;
+    static std::unique_ptr<IPayload> WithStringForms(const IPayload& payload, const IMetadata& metadata);
+    /// Whether the reader takes the payloads, all strings, as a value of the key.
+    bool TakesStrings(const IMetadata& metadata) const;
+
+    IConfigWriter& mWriter;
+    IMetadataProvider& mProvider;
+    std::uint32_t mPsid = 0;
+    std::vector<IPayload*> mPayloads;  ///< of the current element
+};
+
+}  // namespace VemoKesConfigTools

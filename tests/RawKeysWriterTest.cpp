@@ -1,0 +1,55 @@
+// Values that only the raw form can carry come out raw, so that a saved text reads back.
+
+#include "model/CRawKeysWriter.h"
+#include "support/TextWriting.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace KesTest;
+
+std::string Saved(CChipConfig& config) {
+    CKesContext context = OverwriteContext();
+    std::ostringstream stream;
+    CKesWriter text(&stream, &TextKeys());
+    CRawKeysWriter writer(text, TextKeys());
+    EXPECT_TRUE(config.Write(writer, context));
+    return stream.str();
+}
+
+TEST(RawKeysWriter, RawValuesComeBackInTheFormThatTheirKeyTakes) {
+    const struct {
+        std::string given;
+        std::string written;  ///< the line of the key in the saved text
+        std::string reason;
+    } rows[] = {
+        {"99 = % 1 [ 01 FF ] %", "99 = % 0x01 [ 01 FF ] %", "a key that the metadata does not know"},
+        {"u8 = % 5 %", "u8 = % 0x05 %", "a number given raw"},
+        {"u8 = 5", "u8 = 0x05", "a number of the type of its key"},
+        {"u8 = % [ 05 ] %", "u8 = % [ 05 ] %", "octets under a number"},
+        {"blob = % [ 01 02 ] %", "blob = [ 01 02 ]", "octets that the key takes anyway"},
+        {"blob = % [ 01 02 03 04 ] %", "blob = % [ 01 02 03 04 ] %", "more octets than the key takes"},
+        {"pair = % [ 01 ] %", "pair = % [ 01 ] %", "fewer octets than the key takes"},
+        {"bd_addr = % [ 01 02 ] %", "bd_addr = % [ 01 02 ] %", "octets that are no address"},
+        {"dev_name = \"a#\\n\"", "dev_name = \"a#\\n\"", "a text"},
+        {"dev_name = [ 61 0A ]", "dev_name = \"a\\n\"", "a text given in octets"},
+        {"bd_addr = [ 00 02 5B 01 AB CD ]", "bd_addr = 00:02:5B:01:AB:CD", "an address"},
+        {"blob = % [ 01 ] [ 02 ] %", "blob = % [ 01 ] [ 02 ] %", "two strings where one is taken"},
+        {"names = {[ 61 ], [ 62 ]}", "names = {\"a\", \"b\"}", "as many texts as the array takes"},
+        {"names = % [ 61 ] [ 62 ] [ 63 ] %", "names = % [ 61 ] [ 62 ] [ 63 ] %",
+         "more strings than the array takes"},
+        {"odd = % [ 01 ] %", "odd = % [ 01 ] %", "octets of a format that no text has"},
+    };
+    for (const auto& row : rows) {
+        CChipConfig config;
+        CKesContext context = OverwriteContext();
+        const Reading first = Read("file=audio\n" + row.given + "\n", config, context);
+        ASSERT_EQ(first.findings, "") << row.reason;
+        const std::string saved = Saved(config);
+        EXPECT_NE(saved.find("\n" + row.written + "\n"), std::string::npos) << row.reason << "\n" << saved;
+        EXPECT_EQ(Outcome(Read(saved)), first.dump) << row.reason << "\n" << saved;
+    }
+}
+
+}  // namespace
