@@ -1,6 +1,6 @@
 #pragma once
 
-// What the fuzz targets share: keys of every kind, and how an input is read and written.
+// What the fuzz targets share: keys of every kind, and how an input is taken apart.
 
 #include "support/TextReading.h"
 
