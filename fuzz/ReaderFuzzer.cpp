@@ -1,6 +1,7 @@
 // Any bytes as a text: the reader comes to an end, and what it tells of the text holds together.
 
 #include "FuzzFixture.h"
+#include "kes/configtools/readerwriters/kestext/common/textparser/LineFilters.h"
 #include "model/CSubsystemConfig.h"
 
 #include <algorithm>
@@ -74,6 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (reading.good != watcher.findings.empty())
         Fault("result and findings differ", input.text, reading.findings);
     if (reading.good != reading.error.empty()) Fault("result and error differ", input.text, reading.error);
+    if (!gFiltersEnabled) Fault("comments are no longer seen", input.text, reading.dump);
     CheckFindings(input, watcher.findings);
     CheckModel(config, context);
 
