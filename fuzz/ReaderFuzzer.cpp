@@ -1,6 +1,7 @@
 // Any bytes as a text: the reader comes to an end, and what it tells of the text holds together.
 
 #include "FuzzFixture.h"
+#include "kes/configtools/readerwriters/kestext/common/textparser/CParserError.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/LineFilters.h"
 #include "model/CSubsystemConfig.h"
 
@@ -64,6 +65,40 @@ void CheckModel(const CChipConfig& config, CKesContext& context) {
     }
 }
 
+/// Nothing of one pass shows in the next, the trace changes nothing, and one line end is as good as another.
+void CheckReadingAgain(const Input& input, const Reading& reading) {
+    // Two CR are one line end, and so is one in front of LF: a text that has any is left as it is.
+    const bool hasReturns = input.text.find('\r') != std::string::npos;
+    std::string text;
+    for (const char c : input.text) text += c == '\n' && !hasReturns ? "\r\n" : std::string(1, c);
+    CChipConfig config;
+    CKesContext context = input.Context();
+    const Reading second = Read(text, config, context, Keys());
+    if (second.dump != reading.dump) Fault("a second reading differs", reading.dump, second.dump);
+    if (second.findings != reading.findings) Fault("other findings", reading.findings, second.findings);
+}
+
+/// A bad line costs that line: what is put behind the text is read, unless a comment swallows it or an error
+/// ended the pass.
+void CheckRecovery(const Input& input, const std::vector<TextFinding>& findings) {
+    const bool mayEndInComment = input.text.find('*') != std::string::npos;
+    const bool ended = std::ranges::any_of(findings, [](const TextFinding& finding) {
+        return finding.code == PE_UNKNOWN_SUBSYSTEM || finding.code == PE_SUBSYSTEM_NOT_SET;
+    });
+    if (mayEndInComment || ended) return;
+    CChipConfig config;
+    CKesContext context = input.Context();
+    // The first newline may be joined away.
+    const Reading reading = Read(input.text + "\n\nfile=audio1\nlast=7\n", config, context, Keys());
+    CKesContext place = input.Context();
+    place.SetSubsystemType(SUBSYSTEM_AUDIO);
+    place.SetDevice(IStoreManager::DEVICE_EEPROM);
+    place.SetStore(1);
+    if (DumpElement(config.Element("4294967295", place)) != "4294967295 last=u8:7") {
+        Fault("the lines behind the text are not read", input.text, reading.dump + reading.findings);
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -79,12 +114,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckFindings(input, watcher.findings);
     CheckModel(config, context);
 
-    // Nothing of one pass may show in the next, and the trace tells without changing anything.
     CTheMsgHnd::ActivateDebug(false);
-    CChipConfig again;
-    CKesContext context2 = input.Context();
-    const Reading second = Read(input.text, again, context2, Keys());
-    if (second.dump != reading.dump) Fault("a second reading differs", reading.dump, second.dump);
-    if (second.findings != reading.findings) Fault("other findings", reading.findings, second.findings);
+    CheckReadingAgain(input, reading);
+    CheckRecovery(input, watcher.findings);
     return 0;
 }
