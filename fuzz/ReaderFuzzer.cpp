@@ -82,14 +82,15 @@ void CheckReadingAgain(const Input& input, const Reading& reading) {
 /// ended the pass.
 void CheckRecovery(const Input& input, const std::vector<TextFinding>& findings) {
     const bool mayEndInComment = input.text.find('*') != std::string::npos;
+    // Joined to the next line, or half of a line end.
+    const bool endsOpen = input.text.ends_with('\\') || input.text.ends_with('\r');
     const bool ended = std::ranges::any_of(findings, [](const TextFinding& finding) {
         return finding.code == PE_UNKNOWN_SUBSYSTEM || finding.code == PE_SUBSYSTEM_NOT_SET;
     });
-    if (mayEndInComment || ended) return;
+    if (mayEndInComment || endsOpen || ended) return;
     CChipConfig config;
     CKesContext context = input.Context();
-    // The first newline may be joined away.
-    const Reading reading = Read(input.text + "\n\nfile=audio1\nlast=7\n", config, context, Keys());
+    const Reading reading = Read(input.text + "\nfile=audio1\nlast=7\n", config, context, Keys());
     CKesContext place = input.Context();
     place.SetSubsystemType(SUBSYSTEM_AUDIO);
     place.SetDevice(IStoreManager::DEVICE_EEPROM);
