@@ -90,11 +90,11 @@ void CheckRecovery(const Input& input, const std::vector<TextFinding>& findings)
     if (mayEndInComment || endsOpen || ended) return;
     CChipConfig config;
     CKesContext context = input.Context();
-    const Reading reading = Read(input.text + "\nfile=audio1\nlast=7\n", config, context, Keys());
+    const Reading reading = Read(input.text + "\nfile=app13\nlast=7\n", config, context, Keys());
     CKesContext place = input.Context();
-    place.SetSubsystemType(SUBSYSTEM_AUDIO);
+    place.SetSubsystemType(SUBSYSTEM_APP);
     place.SetDevice(IStoreManager::DEVICE_EEPROM);
-    place.SetStore(1);
+    place.SetStore(13);
     if (DumpElement(config.Element("4294967295", place)) != "4294967295 last=u8:7") {
         Fault("the lines behind the text are not read", input.text, reading.dump + reading.findings);
     }
