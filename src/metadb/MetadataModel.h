@@ -28,23 +28,24 @@ struct IndexData {
     NamedValues values;
 };
 
-/// What keys and struct fields have in common.
+/// What keys and struct fields have in common. What a reader asks of every key stands in front, in few cache
+/// lines.
 struct RecordData {
-    std::int32_t uid = 0;
     std::string name;
     std::string type;
-    std::string label;
-    std::string description;
-    std::string descriptionInternal;
     std::string format;
     std::int64_t min = 0;
     std::int64_t max = 0;
-    std::string units;
-    std::string access;
-    bool isInternal = false;
-    bool isArray = false;
     std::int64_t arrayMin = 0;
     std::int64_t arrayMax = 0;
+    bool isArray = false;
+    bool isInternal = false;
+    std::int32_t uid = 0;
+    std::string label;
+    std::string description;
+    std::string descriptionInternal;
+    std::string units;
+    std::string access;
     std::string oid;
     std::string source;
 };

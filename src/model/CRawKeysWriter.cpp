@@ -114,8 +114,10 @@ void CRawKeysWriter::EndElement(IConfigContext& context) {
     const bool raw = NeedsRawForm(metadata);
     if (raw) context.SetTag(STR_RAW_MODE, STR_TRUE);
     for (IPayload* payload : mPayloads) {
-        const std::unique_ptr<IPayload> formed = raw ? nullptr : WithStringForms(*payload, metadata);
-        mWriter.WritePayload(formed ? *formed : *payload, context);
+        std::unique_ptr<IPayload> formed;
+        if (!raw) formed = WithStringForms(*payload, metadata);
+        IPayload* const shown = formed ? formed.get() : payload;
+        mWriter.WritePayload(*shown, context);
     }
     context.SetTag(STR_RAW_MODE, before);
     mWriter.EndElement(context);

@@ -53,11 +53,11 @@ public:
     const std::string& NameText() const { return mData.name; }
 
 private:
-    metadb::RecordData mData;
     std::uint32_t mPsid;
     MetadataTypeEnum mType;
     const IMetadataDetail* mpDetail;
     std::vector<CTableIndex> mIndexes;
+    metadb::RecordData mData;
 };
 
 class CSqliteSubsystemInfo final : public ISubsystemInfo {
