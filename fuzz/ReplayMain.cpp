@@ -1,4 +1,5 @@
-// Runs a fuzz target over kept inputs, with any compiler: files, or folders of them.
+// Runs a fuzz target over kept inputs, with any compiler: files, or folders with files
+// below them.
 
 #include <cstddef>
 #include <cstdint>
@@ -30,7 +31,8 @@ int main(int argc, char** argv) {
             ++count;
             continue;
         }
-        for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(argv[i])) {
+            if (!entry.is_regular_file()) continue;
             Replay(entry.path());
             ++count;
         }
