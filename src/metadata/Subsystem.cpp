@@ -1,9 +1,8 @@
 #include "metadata/Subsystem.h"
 
 #include "messages/CTheMsgHnd.h"
-#include "model/Words.h"
+#include "model/SubsystemNames.h"
 
-#include <array>
 #include <string>
 #include <string_view>
 
@@ -13,20 +12,15 @@ namespace {
 
 using namespace VemoKesConfigTools;
 
-/// The names in the order of their types.
-constexpr std::array<std::string_view, SUBSYSTEM_TYPE_MAX> NAMES = {
-    STR_SUBSYSTEM_CURATOR, STR_SUBSYSTEM_BT,     STR_SUBSYSTEM_WLAN,    STR_SUBSYSTEM_AUDIO,
-    STR_SUBSYSTEM_GNSS,    STR_SUBSYSTEM_NFC,    STR_SUBSYSTEM_JANITOR, STR_SUBSYSTEM_APP,
-    STR_SUBSYSTEM_BLE,     STR_SUBSYSTEM_PSAPPS, STR_SUBSYSTEM_PSAUDIO,
-};
+static_assert(SUBSYSTEM_NAMES.size() == SUBSYSTEM_TYPE_MAX, "one name for each type");
 
 SubsystemTypes TypeOf(const HostString& name) {
     std::string lower = name.ToNarrow();
     for (char& c : lower) {
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
     }
-    for (std::size_t type = 0; type < NAMES.size(); ++type) {
-        if (NAMES[type] == lower) return static_cast<SubsystemTypes>(type);
+    for (std::size_t type = 0; type < SUBSYSTEM_NAMES.size(); ++type) {
+        if (SUBSYSTEM_NAMES[type] == lower) return static_cast<SubsystemTypes>(type);
     }
     return SUBSYSTEM_TYPE_NONE;
 }
@@ -54,7 +48,7 @@ Subsystem::Subsystem(HostString name, HostString version, HostString alias, Host
 
 HostString Subsystem::NameOf(SubsystemTypes type) {
     const auto number = static_cast<std::size_t>(type);
-    return HostString(number < NAMES.size() ? NAMES[number] : std::string_view());
+    return HostString(number < SUBSYSTEM_NAMES.size() ? SUBSYSTEM_NAMES[number] : std::string_view());
 }
 
 }  // namespace VEMO::Kes::ConfigurationTools

@@ -2,7 +2,7 @@
 
 #include "metadb/JsonTree.h"
 #include "metadb/SourceNodes.h"
-#include "model/Words.h"
+#include "model/SubsystemNames.h"
 
 #include <algorithm>
 #include <array>
@@ -19,11 +19,6 @@ using Kind = JsonNode::Kind;
 using Int32 = std::numeric_limits<std::int32_t>;
 using Int64 = std::numeric_limits<std::int64_t>;
 
-constexpr std::string_view SUBSYSTEMS[] = {
-    STR_SUBSYSTEM_CURATOR, STR_SUBSYSTEM_BT,     STR_SUBSYSTEM_WLAN,    STR_SUBSYSTEM_AUDIO,
-    STR_SUBSYSTEM_GNSS,    STR_SUBSYSTEM_NFC,    STR_SUBSYSTEM_JANITOR, STR_SUBSYSTEM_APP,
-    STR_SUBSYSTEM_BLE,     STR_SUBSYSTEM_PSAPPS, STR_SUBSYSTEM_PSAUDIO,
-};
 constexpr std::string_view RIGHTS[] = {STR_NOT_ACCESSIBLE, STR_READ_ONLY, STR_READ_WRITE, STR_WRITE_ONLY};
 constexpr std::string_view INTEGER_FORMATS[] = {"", STR_SIGNED_DECIMAL_STRING, STR_UNSIGNED_DECIMAL_STRING,
                                                 STR_HEXADECIMAL_STRING};
@@ -94,9 +89,10 @@ public:
         mData.variant = mNodes.Text(mObject, "variant");
         mData.description = mNodes.Text(mObject, "description");
         mData.buildDate = mNodes.Text(mObject, "build_date");
-        if (!mData.name.empty() && std::ranges::find(SUBSYSTEMS, mData.name) == std::end(SUBSYSTEMS)) {
-            mNodes.Fault(mObject.Find("name")->offset,
-                         "unknown subsystem \"" + mData.name + "\", must be one of " + ListOf(SUBSYSTEMS));
+        if (!mData.name.empty() &&
+            std::ranges::find(SUBSYSTEM_NAMES, mData.name) == std::end(SUBSYSTEM_NAMES)) {
+            mNodes.Fault(mObject.Find("name")->offset, "unknown subsystem \"" + mData.name +
+                                                           "\", must be one of " + ListOf(SUBSYSTEM_NAMES));
         }
         if (!std::ranges::all_of(mData.alias, [](char c) { return IsName({&c, 1}); })) {
             mNodes.Fault(mObject.Find("alias")->offset, "an alias holds letters and \"_\" only");

@@ -3,7 +3,7 @@
 #include "messages/CTheMsgHnd.h"
 #include "model/CKesContext.h"
 #include "model/CReaderWriterFactory.h"
-#include "model/Words.h"
+#include "model/SubsystemNames.h"
 
 #include <algorithm>
 #include <optional>
@@ -14,12 +14,6 @@
 namespace VemoKesConfigTools {
 
 namespace {
-
-constexpr std::string_view SUBSYSTEM_NAMES[] = {
-    STR_SUBSYSTEM_CURATOR, STR_SUBSYSTEM_BT,     STR_SUBSYSTEM_WLAN,    STR_SUBSYSTEM_AUDIO,
-    STR_SUBSYSTEM_GNSS,    STR_SUBSYSTEM_NFC,    STR_SUBSYSTEM_JANITOR, STR_SUBSYSTEM_APP,
-    STR_SUBSYSTEM_BLE,     STR_SUBSYSTEM_PSAPPS, STR_SUBSYSTEM_PSAUDIO,
-};
 
 const CLoadedSubsystem& Nothing() {
     static const CLoadedSubsystem nothing{metadb::SubsystemData{}};
@@ -117,7 +111,7 @@ const CLoadedSubsystem& CSqliteProvider::Find(IConfigContext& context) {
 }
 
 const CLoadedSubsystem& CSqliteProvider::Load(System& system, std::int32_t type) {
-    const std::string name(SUBSYSTEM_NAMES[type]);
+    const std::string name(SUBSYSTEM_NAMES[static_cast<std::size_t>(type)]);
     if (std::ranges::find(system.names, name) == system.names.end()) return Nothing();
     System::Slot& slot = system.slots[type];
     if (!slot.loaded && slot.fault.empty()) {

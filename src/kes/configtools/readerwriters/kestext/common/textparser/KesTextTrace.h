@@ -4,11 +4,6 @@
 
 // Traces of the text reader and writer, in their message group. They cost one test while debug is off.
 
-/// A sentry for a function without a result to show.
-#define KESTEXT_SENTRY(function)                                                                     \
-    const VemoKesConfigTools::CDebugSentry sentry(VemoKesConfigTools::KesTextTraceHandler(function), \
-                                                  __LINE__, __FILE__, function)
-
 /// A sentry that shows the variable `result` at the end.
 #define KESTEXT_SENTRY_RETURNING(function, result)           \
     const VemoKesConfigTools::CDebugSentryWithReturn sentry( \
