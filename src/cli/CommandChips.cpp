@@ -1,5 +1,6 @@
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
+#include "cli/Json.h"
 #include "cli/Session.h"
 #include "cli/Table.h"
 
@@ -8,12 +9,35 @@
 
 namespace kes::cli {
 
+namespace {
+
+Json ChipsDocument(const Session& session) {
+    Json document = JsonDocument("chips");
+    Json& results = document["results"] = Json::array();
+    for (const auto& chip : session.Chips()) {
+        results.push_back({{"label", Text(chip->SystemVersionLabel())},
+                           {"chip", Text(chip->Name())},
+                           {"id", chip->ChipId()},
+                           {"rom", Text(chip->RomName())},
+                           {"version", Text(chip->SystemVersion())},
+                           {"description", Text(chip->SystemDescription())}});
+    }
+    return document;
+}
+
+}  // namespace
+
 void AddChips(CLI::App& app, Globals& globals) {
     CLI::App* command = app.add_subcommand("chips", "List the chips and firmware systems of the database");
     AddDatabaseOptions(*command, globals, /*withChip=*/false);
+    AddJsonOption(*command, globals);
     command->callback([&globals] {
         globals.run = [&globals] {
             const Session session(globals);
+            if (globals.json) {
+                PrintJson(ChipsDocument(session));
+                return EXIT_FINE;
+            }
             Table table({"LABEL", "CHIP", "ID", "ROM", "VERSION", "DESCRIPTION"});
             for (const auto& chip : session.Chips()) {
                 table.Add({Text(chip->SystemVersionLabel()), Text(chip->Name()),

@@ -26,6 +26,10 @@ Globals DefaultGlobals() {
     return globals;
 }
 
+void AddJsonOption(CLI::App& command, Globals& globals) {
+    command.add_flag("--json", globals.json, "Print the results as one JSON document");
+}
+
 void AddPluginsOption(CLI::App& command, Globals& globals) {
     command
         .add_option(

@@ -15,12 +15,15 @@ struct Globals {
     std::string plugins;
     std::string chip;  ///< a system version label; empty for the default
     bool noColor = false;
+    bool json = false;         ///< results as one JSON document
     std::function<int()> run;  ///< set by the command that was chosen
 };
 
 /// What holds without options: the environment, or else what stands where the command is installed.
 Globals DefaultGlobals();
 
+/// Adds `--json` to a command that prints results.
+void AddJsonOption(CLI::App& command, Globals& globals);
 void AddPluginsOption(CLI::App& command, Globals& globals);
 /// Adds `--db`, `--plugins` and, where it makes sense, `--chip` to a command.
 void AddDatabaseOptions(CLI::App& command, Globals& globals, bool withChip);
