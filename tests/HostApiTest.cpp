@@ -1,42 +1,21 @@
 // The API as a host sees it: strings, maps, records, start-up, errors, metadata queries, the facade.
 
-#include "facade/Framework.h"
-#include "facade/FrameworkFacade.h"
-#include "messages/CTheMsgHnd.h"
-#include "metadata/NetMetadataProvider.h"
-#include "support/Files.h"
+#include "support/HostSession.h"
 
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
 
 using namespace VEMO::Kes::ConfigurationTools;
+using KesTest::ChipOf;
+using KesTest::ClearErrors;
 using KesTest::EXAMPLE_DATABASE;
+using KesTest::LastError;
 using KesTest::TempFolder;
 
 namespace {
 
 constexpr const char* LABEL = "ostrell_520_2_3";
-
-std::string LastError() {
-    HostString message;
-    const std::int32_t number = Framework::GetLastError(message);
-    return Framework::Error() ? std::to_string(number) + " " + message.ToNarrow() : "none";
-}
-
-void ClearErrors() {
-    using VemoKesConfigTools::CMessageHandler;
-    VemoKesConfigTools::CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_KESTEXT, "test", false)
-        .ClearError(CMessageHandler::GROUP_DEFAULT);
-}
-
-std::shared_ptr<Chip> ChipOf(const std::string& label) {
-    NetMetadataProvider provider(EXAMPLE_DATABASE);
-    for (const auto& chip : provider.GetChips()) {
-        if (chip->SystemVersionLabel() == HostString(label)) return chip;
-    }
-    return nullptr;
-}
 
 TEST(HostString, KeepsNullAndEmptyApartAndMendsWhatIsNotUnicode) {
     using namespace std::string_literals;
@@ -116,15 +95,7 @@ TEST(Records, TranslateTheWordsOfTheMetadata) {
     EXPECT_EQ(Subsystem::NameOf(SUBSYSTEM_TYPE_PSAUDIO), HostString("psaudio"));
 }
 
-class HostApi : public testing::Test {
-protected:
-    HostApi() {
-        Framework::Init(KES_TEST_PLUGIN_DIR);
-        ClearErrors();
-    }
-    ~HostApi() override { Framework::Deinit(); }
-    TempFolder mFolder;
-};
+using HostApi = KesTest::HostSession;
 
 TEST_F(HostApi, ListsChipsSubsystemsAndKeys) {
     NetMetadataProvider provider(EXAMPLE_DATABASE);

@@ -1,10 +1,7 @@
 // A host whose plug-in folder lacks what it needs. A program of its own: what a process has loaded stays
 // loaded.
 
-#include "facade/Framework.h"
-#include "facade/FrameworkFacade.h"
-#include "metadata/NetMetadataProvider.h"
-#include "support/Files.h"
+#include "support/HostSession.h"
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -12,15 +9,10 @@
 
 using namespace VEMO::Kes::ConfigurationTools;
 using KesTest::EXAMPLE_DATABASE;
+using KesTest::LastError;
 using KesTest::TempFolder;
 
 namespace {
-
-std::string LastError() {
-    HostString message;
-    const std::int32_t number = Framework::GetLastError(message);
-    return Framework::Error() ? std::to_string(number) + " " + message.ToNarrow() : "none";
-}
 
 TEST(MissingPlugins, HostComesUpAndIsToldWhatIsMissing) {
     const TempFolder folder;
@@ -36,6 +28,10 @@ TEST(MissingPlugins, HostComesUpAndIsToldWhatIsMissing) {
     EXPECT_FALSE(facade.LoadText("any", false));
     EXPECT_EQ(LastError(), "1 sqlite metadata plugin not found.");
 
+    EXPECT_FALSE(facade.SetValue(KesTest::SubsystemNamed("bt"), 0x1005, nullptr, 2, 1, 1, "3"));
+    EXPECT_EQ(LastError(), "1 sqlite metadata plugin not found.");
+    EXPECT_FALSE(facade.LoadDefaults(KesTest::SubsystemNamed("bt")));
+
     std::filesystem::copy_file(std::string(KES_TEST_PLUGIN_DIR) + "/sqlite.kpm", folder / "sqlite.kpm");
     Framework::Init(folder.Path());
     FrameworkFacade half(EXAMPLE_DATABASE);
@@ -43,6 +39,8 @@ TEST(MissingPlugins, HostComesUpAndIsToldWhatIsMissing) {
     EXPECT_FALSE(half.LoadText("any", false));
     EXPECT_EQ(LastError(), "1 KesText readerwriter plugin not found.");
     half.LoadBlank();
+    EXPECT_TRUE(half.GetValue(KesTest::SubsystemNamed("bt"), 0x1005, nullptr, 1).IsNull());
+    EXPECT_EQ(LastError(), "1 KesText readerwriter plugin not found.");
     EXPECT_FALSE(half.SaveText(folder / "a.ktf"));
     EXPECT_EQ(LastError(), "1 KesText readerwriter plugin not found.");
 }

@@ -186,10 +186,11 @@ TEST(Elements, KeyStringsReadBack) {
     const struct {
         std::string text;
         bool good;
-    } rows[] = {{"5", true},     {"5.0.7", true}, {"4294967295.4294967295", true},
-                {"", false},     {"5.", false},   {".5", false},
-                {"5..7", false}, {"5.x", false},  {"4294967296", false},
-                {"-5", false},   {" 5", false},   {"5 ", false}};
+    } rows[] = {{"5", true},           {"5.0.7", true}, {"4294967295.4294967295", true},
+                {"", false},           {"5.", false},   {".5", false},
+                {"5..7", false},       {"5.x", false},  {"4294967296", false},
+                {"- 5", false},        {" 5", false},   {"5 ", false},
+                {"-2147483649", false}};
     for (const auto& row : rows) {
         std::uint32_t psid = 0;
         std::vector<std::uint32_t> indices;
@@ -198,6 +199,10 @@ TEST(Elements, KeyStringsReadBack) {
             EXPECT_EQ(MakeKeyString(psid, indices), row.text);
         }
     }
+    std::uint32_t psid = 0;
+    std::vector<std::uint32_t> indices;
+    EXPECT_TRUE(ParseKeyString("-2147483648.-1", psid, indices)) << "as hosts give large numbers";
+    EXPECT_EQ(MakeKeyString(psid, indices), "2147483648.4294967295");
 }
 
 TEST(ChipConfig, OnePlaceForEachPlaceInTheOrderOfArrival) {

@@ -1,9 +1,7 @@
 #include "facade/FrameworkFacade.h"
 
-#include "facade/Framework.h"
-#include "messages/CTheMsgHnd.h"
+#include "facade/FacadeSupport.h"
 #include "model/CChipConfig.h"
-#include "model/CKesContext.h"
 #include "model/CMetadataProviderFactory.h"
 #include "model/CRawKeysWriter.h"
 #include "model/CReaderWriterFactory.h"
@@ -22,47 +20,6 @@
 namespace VEMO::Kes::ConfigurationTools {
 
 using namespace VemoKesConfigTools;
-
-namespace {
-
-#define KES_FACADE_FUNCTION(name) "VEMO::Kes::ConfigurationTools::FrameworkFacade::" name
-
-constexpr const char* NO_PROVIDER = "sqlite metadata plugin not found.";
-constexpr const char* NO_KESTEXT = "KesText readerwriter plugin not found.";
-constexpr const char* NO_CHIP = "no chip is set";
-constexpr const char* NO_PACKINT = "Packint readerwriter plugin not found.";
-
-constexpr std::int16_t ERROR_DATA = 0;
-constexpr std::int16_t ERROR_PLUGIN = 1;
-constexpr std::int32_t FILE_TYPE = 1;
-
-CMessageHandler& DefaultHandler(const char* function) {
-    CTheMsgHnd::Instance();
-    return CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, function, false);
-}
-
-/// Stores an error, and is the false that the operation gives.
-bool Fail(const char* function, std::int16_t number, const char* text) {
-    DefaultHandler(function).SetErrorMsg(number, text);
-    return false;
-}
-
-/// The context of a whole save.
-CKesContext SaveContext(const Chip& chip) {
-    CKesContext context;
-    context.SetChip(Framework::GetString(chip.SystemVersionLabel()));
-    context.SetFileType(FILE_TYPE);
-    return context;
-}
-
-/// The context of a whole load.
-CKesContext LoadContext(const Chip& chip) {
-    CKesContext context = SaveContext(chip);
-    context.SetTag(STR_INSERT_MODE, STR_OVERWRITE);
-    return context;
-}
-
-}  // namespace
 
 FrameworkFacade::FrameworkFacade(const HostString& dbName) {
     constexpr const char* FUNCTION = KES_FACADE_FUNCTION("FrameworkFacade");
@@ -127,7 +84,8 @@ bool FrameworkFacade::LoadText(const HostString& filePath, bool merge) {
     if (!FillBuffer(Framework::GetString(filePath))) {
         return Fail(FUNCTION, ERROR_DATA, "The text file is zero length. No config data found.");
     }
-    CKesContext context = LoadContext(*mOwningChip);
+    CKesContext context = FileContext(*mOwningChip);
+    context.SetTag(STR_INSERT_MODE, STR_OVERWRITE);
     mpProvider->MetadataList(context, true);
     return mpTextReader->Read(context);
 }
@@ -148,7 +106,7 @@ bool FrameworkFacade::SaveText(const HostString& filePath, const TextForm& form)
     if (!mpProvider) return Fail(FUNCTION, ERROR_PLUGIN, NO_PROVIDER);
     if (!mOwningChip) return Fail(FUNCTION, ERROR_DATA, NO_CHIP);
     writer->SetMetadataProvider(mpProvider.get());
-    CKesContext context = SaveContext(*mOwningChip);
+    CKesContext context = FileContext(*mOwningChip);
     if (form.simple) context.SetTag(STR_TXT_SIMPLE_MODE, STR_TRUE);
     CRawKeysWriter front(*writer, *mpProvider);
     return mpFileChip->Write(form.readsBack ? front : *writer, context);
@@ -188,6 +146,13 @@ bool FrameworkFacade::CanRead(const char* function) const {
     if (!mpProvider) return Fail(function, ERROR_PLUGIN, NO_PROVIDER);
     if (!mpTextReader) return Fail(function, ERROR_PLUGIN, NO_KESTEXT);
     if (!mOwningChip) return Fail(function, ERROR_DATA, NO_CHIP);
+    return true;
+}
+
+/// Whether all is there that writing keys as text needs; stores why not.
+bool FrameworkFacade::CanWrite(const char* function) const {
+    if (!mpProvider) return Fail(function, ERROR_PLUGIN, NO_PROVIDER);
+    if (!mpBuffWriter) return Fail(function, ERROR_PLUGIN, NO_KESTEXT);
     return true;
 }
 

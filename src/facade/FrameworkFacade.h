@@ -4,8 +4,11 @@
 #include "host/HostString.h"
 #include "messages/Export.h"
 #include "metadata/Chip.h"
+#include "metadata/KeyValue.h"
+#include "metadata/Metadata.h"
 #include "metadata/Place.h"
 #include "metadata/Store.h"
+#include "metadata/Subsystem.h"
 
 #include <iosfwd>
 #include <memory>
@@ -13,6 +16,8 @@
 
 namespace VemoKesConfigTools {
 class CChipConfig;
+class CElement;
+class CKesContext;
 class IConfigReader;
 class IConfigWriter;
 class IMetadataProvider;
@@ -74,11 +79,83 @@ public:
     /// once the facade is released.
     HostListRef<std::shared_ptr<Place>> GetPlaces() const;
 
+    // Single values. A key is addressed by its number and, for a table key, its indexes; a null list of
+    // indexes is an empty one. Values come and go as text. None of these operations clears an error that was
+    // stored before, and none takes longer in a large configuration than in a small one.
+
+    using IndexListRef = HostListRef<std::int32_t>;
+    using SubsystemRef = std::shared_ptr<Subsystem>;
+
+    /// Whether the configuration holds any key.
+    bool HasValue() const;
+    /// Whether it holds any key of this subsystem type.
+    bool HasValue(const SubsystemRef& subsystem) const;
+    /// Whether it holds this key number, with or without indexes. False for a layer of 0 or less.
+    bool HasValue(const SubsystemRef& subsystem, std::int32_t psId, std::int32_t layer) const;
+    /// Whether it holds this very key. False for a layer of 0 or less.
+    bool HasValue(const SubsystemRef& subsystem, std::int32_t psId, std::int32_t layer,
+                  const IndexListRef& indexes) const;
+    /// A key as the lines of a text: its label in a comment, name, " = " and value, newline. Null for a key
+    /// that is not there; a default is no value. Of several places the one met last counts.
+    HostString GetValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
+                        std::int32_t layer);
+    /// Sets a key, which replaces all that the place holds of it. `device` is otp, smem, mtp or eeprom; on
+    /// eeprom `store` is 1 to 15. `value` is what a text has behind "=": an empty one removes the key, and
+    /// what follows a newline in it is a line of its own. A layer of 0 or less is refused without a message.
+    bool SetValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
+                  std::int32_t device, std::int32_t store, std::int32_t layerIndex, const HostString& value);
+    /// The same, but the key goes behind those that the place holds of it. An empty value adds a key without
+    /// a value.
+    bool AddValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
+                  std::int32_t device, std::int32_t store, std::int32_t layerIndex, const HostString& value);
+    /// Removes a key from one place, of any device; also one that the metadata does not know. False when it
+    /// is not there.
+    bool RemoveValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
+                     std::int32_t device, std::int32_t store);
+    /// All keys of the configuration, place by place in their order. Null once the facade is released.
+    HostListRef<std::shared_ptr<KeyValue>> GetValues();
+
+    // Default values, which are kept apart from the configuration. They come from the database, or from a
+    // device, whose defaults go first. None of these operations clears an error.
+
+    /// Adds the default values of a subsystem from the database; what was loaded before is replaced.
+    bool LoadDefaults(const SubsystemRef& subsystem);
+    /// Loads the defaults of these subsystems in place of all that was there. A subsystem that fails does not
+    /// keep the others from being loaded, and makes the result false.
+    bool ReloadKnownDefaults(const HostListRef<SubsystemRef>& subsystems);
+    /// Whether any default came from a device.
+    bool HasDeviceDefaults() const;
+    /// Whether there is a default of this key number, with or without indexes, from the database or a device.
+    bool HasAnyDefault(const SubsystemRef& subsystem, std::int32_t psId) const;
+    /// Whether the database has a default of this key number, with or without indexes.
+    bool HasDefault(const SubsystemRef& subsystem, std::int32_t psId) const;
+    /// Whether the database has a default of this very key.
+    bool HasDefault(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes) const;
+    /// The default of a key in the form of `GetValue`; null without one.
+    HostString GetDefault(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes);
+    /// All default values. Null once the facade is released.
+    HostListRef<std::shared_ptr<KeyValue>> GetDefaultValues();
+
+    /// Records for the keys of a subsystem, in the configuration or among the defaults, that the metadata
+    /// does not know, so that a host can show and edit them. For the subsystem type psaudio every key has
+    /// one, with what the metadata knows of it. By key number; empty when there is none.
+    HostMapRef<std::int32_t, std::shared_ptr<Metadata>> GetPopulatedRawmodeMetadata(
+        const SubsystemRef& subsystem) const;
+
     /// Releases all that the facade holds. Later operations fail. A second call does nothing.
     void Dispose();
 
 private:
     bool CanRead(const char* function) const;
+    bool CanWrite(const char* function) const;
+    bool SetAddValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
+                     std::int32_t device, std::int32_t store, std::int32_t layerIndex,
+                     const HostString& value, bool add);
+    static std::string indexedPsid(std::int32_t psId, const IndexListRef& indexes);
+    VemoKesConfigTools::CKesContext QuestionContext(const Subsystem& subsystem, std::int32_t layer) const;
+    HostString TextOf(const VemoKesConfigTools::CElement& element, VemoKesConfigTools::CKesContext& context);
+    HostString LineValueOf(VemoKesConfigTools::CElement& element, VemoKesConfigTools::CKesContext& context);
+    HostListRef<std::shared_ptr<KeyValue>> ValuesOf(const VemoKesConfigTools::CChipConfig& chip);
     void EmptyBuffer();
     bool FillBuffer(const std::string& path);
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 
 namespace VemoKesConfigTools {
 
@@ -71,19 +72,28 @@ std::string MakeKeyString(std::uint32_t psid, std::span<const std::uint32_t> ind
     return key;
 }
 
+namespace {
+
+/// A number of 32 bits, given as signed or unsigned. Null when there is none.
+const char* ParseNumber(const char* from, const char* end, std::uint32_t& number) {
+    std::int64_t value = 0;
+    const auto [next, error] = std::from_chars(from, end, value);
+    if (error != std::errc() || value < INT32_MIN || value > UINT32_MAX) return nullptr;
+    number = static_cast<std::uint32_t>(value);
+    return next;
+}
+
+}  // namespace
+
 bool ParseKeyString(const std::string& key, std::uint32_t& psid, std::vector<std::uint32_t>& indices) {
     indices.clear();
     const char* const end = key.data() + key.size();
-    auto [next, error] = std::from_chars(key.data(), end, psid);
-    while (error == std::errc() && next != end) {
-        std::uint32_t index = 0;
+    const char* next = ParseNumber(key.data(), end, psid);
+    while (next != nullptr && next != end) {
         if (*next != '.') return false;
-        const auto result = std::from_chars(next + 1, end, index);
-        next = result.ptr;
-        error = result.ec;
-        indices.push_back(index);
+        next = ParseNumber(next + 1, end, indices.emplace_back());
     }
-    return error == std::errc();
+    return next != nullptr;
 }
 
 }  // namespace VemoKesConfigTools

@@ -63,7 +63,8 @@ private:
 /// The key string of a key number and its indexes.
 KES_API std::string MakeKeyString(std::uint32_t psid, std::span<const std::uint32_t> indices);
 
-/// The reverse of `MakeKeyString`. False for a text that is no key string.
+/// The reverse of `MakeKeyString`; hosts give their numbers as signed ones, so these are taken too. False for
+/// a text that is no key string.
 KES_API bool ParseKeyString(const std::string& key, std::uint32_t& psid, std::vector<std::uint32_t>& indices);
 
 }  // namespace VemoKesConfigTools

@@ -1,0 +1,70 @@
+// The keys of a configuration with their values and defaults, in lines of the text format.
+
+#include "facade/FacadeSupport.h"
+#include "facade/FrameworkFacade.h"
+#include "model/CChipConfig.h"
+#include "model/CRawKeysWriter.h"
+#include "model/CSubsystemConfig.h"
+#include "model/IMetadata.h"
+#include "model/IMetadataProvider.h"
+
+#include <sstream>
+#include <string_view>
+
+namespace VEMO::Kes::ConfigurationTools {
+
+using namespace VemoKesConfigTools;
+
+/// What stands behind "=" when the element is written in one line that reads back.
+HostString FrameworkFacade::LineValueOf(CElement& element, CKesContext& context) {
+    constexpr std::string_view DELIMITER = " = ";
+    EmptyBuffer();
+    CRawKeysWriter writer(*mpBuffWriter, *mpProvider);
+    element.Write(writer, context);
+    const std::string text = mpBuffer->str();
+    const std::size_t delimiter = text.find(DELIMITER);
+    if (delimiter == std::string::npos) return "";
+    const std::size_t from = delimiter + DELIMITER.size();
+    return text.substr(from, text.find_last_not_of('\n') + 1 - from);
+}
+
+HostListRef<std::shared_ptr<KeyValue>> FrameworkFacade::ValuesOf(const CChipConfig& chip) {
+    auto list = std::make_shared<std::vector<std::shared_ptr<KeyValue>>>();
+    for (const auto& [number, place] : chip.Subsystems()) {
+        CKesContext context = place->Place();
+        context.SetTag(STR_TXT_SIMPLE_MODE, STR_TRUE);
+        CKesContext question = context;
+        question.SetTag(STR_DEVICE);
+        question.SetTag(STR_STORE);
+        question.SetLayerNumber(LayerIndexVals::Defaults);
+        question.SetTag(STR_LAYER_FILTER, LayerIndexVals::Maximum);
+        for (CElement* element : place->Elements()) {
+            const CElement& byDefault = mpDefaultChip->Element(element->KeyString(), question);
+            const IMetadata& metadata = mpProvider->MetadataByPsid(element->PsId(), context, false);
+            HostString value = LineValueOf(*element, context);
+            HostString defaultValue;
+            if (byDefault.IsValid()) defaultValue = LineValueOf(const_cast<CElement&>(byDefault), context);
+            const bool isDefault = byDefault.IsValid() && value == defaultValue;
+            const auto indices = element->Indices();
+            list->push_back(std::make_shared<KeyValue>(
+                static_cast<SubsystemTypes>(context.SubsystemType()), context.Device(), context.Store(),
+                static_cast<std::int32_t>(element->PsId()),
+                metadata.IsValid() ? HostString(metadata.Name()) : HostString(),
+                KeyValue::IndexList(indices.begin(), indices.end()), std::move(value),
+                std::move(defaultValue), isDefault));
+        }
+    }
+    return list;
+}
+
+HostListRef<std::shared_ptr<KeyValue>> FrameworkFacade::GetValues() {
+    if (!CanWrite(KES_FACADE_FUNCTION("GetValues"))) return nullptr;
+    return ValuesOf(*mpFileChip);
+}
+
+HostListRef<std::shared_ptr<KeyValue>> FrameworkFacade::GetDefaultValues() {
+    if (!CanWrite(KES_FACADE_FUNCTION("GetDefaultValues"))) return nullptr;
+    return ValuesOf(*mpDefaultChip);
+}
+
+}  // namespace VEMO::Kes::ConfigurationTools

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "host/HostString.h"
+#include "metadata/Enumerations.h"
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace VEMO::Kes::ConfigurationTools {
+
+/// One key of a configuration with its value, as a host sees it: a copy.
+class KeyValue {
+public:
+    using IndexList = std::vector<std::int32_t>;
+
+    KeyValue(SubsystemTypes subsystem, std::int32_t device, std::int32_t store, std::int32_t psid,
+             HostString name, IndexList indexes, HostString value, HostString defaultValue, bool isDefault)
+        : mSubsystem(subsystem),
+          mDevice(device),
+          mStore(store),
+          mPsid(psid),
+          mName(std::move(name)),
+          mIndexes(std::move(indexes)),
+          mValue(std::move(value)),
+          mDefault(std::move(defaultValue)),
+          mIsDefault(isDefault) {}
+
+    SubsystemTypes SubsystemType() const { return mSubsystem; }
+    /// A value of `DeviceNvsTypes`.
+    std::int32_t DeviceId() const { return mDevice; }
+    std::int32_t StoreId() const { return mStore; }
+    /// The key number.
+    std::int32_t Psid() const { return mPsid; }
+    /// Null for a key that the metadata does not know.
+    const HostString& Name() const { return mName; }
+    const IndexList& Indexes() const { return mIndexes; }
+    /// The value in one line, in a form that reads back; empty for a key without a value.
+    const HostString& Value() const { return mValue; }
+    /// The default in the same form; null for a key without one.
+    const HostString& Default() const { return mDefault; }
+    /// Whether value and default are equal.
+    bool IsDefault() const { return mIsDefault; }
+
+private:
+    SubsystemTypes mSubsystem;
+    std::int32_t mDevice;
+    std::int32_t mStore;
+    std::int32_t mPsid;
+    HostString mName;
+    IndexList mIndexes;
+    HostString mValue;
+    HostString mDefault;
+    bool mIsDefault;
+};
+
+}  // namespace VEMO::Kes::ConfigurationTools
