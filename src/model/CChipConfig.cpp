@@ -106,10 +106,14 @@ bool CChipConfig::OnElementFound(CElement* element, IConfigContext& context) {
     return PlaceOf(context).OnElementFound(element, context);
 }
 
+CChipConfig::PlaceKey CChipConfig::KeyOf(const CKesContext& place) {
+    return {place.SubsystemType(), place.Device(), place.Store(), place.LayerNumber()};
+}
+
 CSubsystemConfig& CChipConfig::PlaceOf(IConfigContext& context) {
     CKesContext spare;
     const CKesContext& place = AsKesContext(context, spare);
-    const PlaceKey key{place.SubsystemType(), place.Device(), place.Store(), place.LayerNumber()};
+    const PlaceKey key = KeyOf(place);
     if (mpLastPlace != nullptr && key == mLastKey) return *mpLastPlace;
 
     std::unique_ptr<CSubsystemConfig>& entry = mPlaces[key];
@@ -205,18 +209,28 @@ void CChipConfig::Clear() {
 }
 
 std::optional<std::string> CChipConfig::FirstDifference(const CChipConfig& other) const {
-    const auto [mine, theirs] = std::ranges::mismatch(
-        mPlacesInOrder, other.mPlacesInOrder,
-        [](const CSubsystemConfig* left, const CSubsystemConfig* right) { return left->Same(*right); });
-    if (mine == mPlacesInOrder.end() && theirs == other.mPlacesInOrder.end()) return std::nullopt;
-    const CSubsystemConfig& place = mine != mPlacesInOrder.end() ? **mine : **theirs;
-    std::string text = "subsystem type " + std::to_string(place.Type()) + ", device " +
-                       std::to_string(place.Place().Device()) + ", store " +
-                       std::to_string(place.Place().Store());
-    if (mine != mPlacesInOrder.end() && theirs != other.mPlacesInOrder.end()) {
-        if (const CElement* element = place.FirstDifferent(**theirs)) text += ": " + element->ToString();
+    const auto describe = [](const CSubsystemConfig& place, const CElement* element) {
+        const CKesContext& at = place.Place();
+        std::string text = "subsystem type " + std::to_string(place.Type()) + ", device " +
+                           std::to_string(at.Device()) + ", store " + std::to_string(at.Store());
+        return element == nullptr ? text : text + ": " + element->ToString();
+    };
+    const auto counterpart = [](const CChipConfig& config, const CSubsystemConfig& place) {
+        const auto found = config.mPlaces.find(KeyOf(place.Place()));
+        return found == config.mPlaces.end() ? nullptr : found->second.get();
+    };
+    for (const CSubsystemConfig* place : mPlacesInOrder) {
+        if (place->Elements().empty()) continue;
+        const CSubsystemConfig* theirs = counterpart(other, *place);
+        if (theirs == nullptr) return describe(*place, place->Elements().front());
+        if (!place->Same(*theirs)) return describe(*place, place->FirstDifferent(*theirs));
     }
-    return text;
+    for (const CSubsystemConfig* place : other.mPlacesInOrder) {
+        if (place->Elements().empty()) continue;
+        const CSubsystemConfig* mine = counterpart(*this, *place);
+        if (mine == nullptr || mine->Elements().empty()) return describe(*place, place->Elements().front());
+    }
+    return std::nullopt;
 }
 
 bool CChipConfig::HasElements() const {

@@ -23,7 +23,7 @@ struct CParserError;
 /// with line and column, and the pass goes on; only an unknown or missing subsystem ends it early. It also
 /// lists the stores that the last pass met. A reader may be used for several passes, from one thread at a
 /// time, and one pass at a time in a process.
-class CKesConfigReader final : public IConfigReader, public IStoreManager {
+class CKesConfigReader : public IConfigReader, public IStoreManager {
 public:
     /// Reads the file of this name, opened anew for each pass.
     explicit CKesConfigReader(const std::string& fileName) : mFileName(fileName) {}
@@ -54,6 +54,9 @@ public:
     const CStoreInfo* FindStore(IStoreManager::DEVICE device, std::uint16_t store) const;
     const CStoreInfo* AddStore(IStoreManager::DEVICE device, std::uint16_t store, std::uint16_t order);
 
+protected:
+    CParseContext* mpParseContext = nullptr;  ///< the record of the running pass
+
 private:
     struct Collected {
         std::uint32_t count = 0;
@@ -68,7 +71,6 @@ private:
     void ReorderStores();
 
     IConfigReaderObserver* mpObserver = nullptr;
-    CParseContext* mpParseContext = nullptr;  ///< the record of the running pass
     IMetadataProvider* mpProvider = nullptr;
     std::list<CStoreInfo*> mStores;
     std::unordered_map<std::uint64_t, const CStoreInfo*>

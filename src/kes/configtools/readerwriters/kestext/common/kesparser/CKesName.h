@@ -9,7 +9,7 @@ namespace VemoKesConfigTools {
 
 /// A key of the format: completes name or number from the metadata, reads the indexes of a table key, and
 /// brings the place of its line to the context and the observer.
-class CKesName final : public CName {
+class CKesName : public CName {
 public:
     using CName::CName;
 

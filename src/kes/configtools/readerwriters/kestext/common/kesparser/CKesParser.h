@@ -39,7 +39,7 @@ enum KEYTYPE : std::int32_t {
 ///   number
 ///          | [place "."] key "=" [value]
 ///   place ::= word [decimal]
-class CKesParser final : public CParser {
+class CKesParser : public CParser {
 public:
     CKesParser(CTextReader* source, CParseContext* context) : CParser(source, context) {}
 

@@ -1,0 +1,25 @@
+// Any text: keys in it can be set, removed and added, and nothing but the change happens.
+
+#include "FuzzFixture.h"
+#include "support/EditLaw.h"
+
+namespace {
+
+using namespace KesFuzz;
+
+/// Whether the end of the text takes no further line: inside a comment, or cut off.
+bool EndIsOpen(const std::string& text) { return text.find("/*") != std::string::npos; }
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const Input input(data, size);
+    EditLaw law(input.text, Keys(), input.chip,
+                [&](const std::string& what, const std::string& edited, const std::string& wanted,
+                    const std::string& actual) {
+                    if (what == "add" && EndIsOpen(input.text)) return;
+                    Fault((what + "\n" + input.text + "\n--- edited\n" + edited).c_str(), wanted, actual);
+                });
+    law.Check(1);
+    return 0;
+}

@@ -1,0 +1,152 @@
+#include "kes/configtools/readerwriters/kestext/common/textindex/CIndexingReader.h"
+
+#include "kes/configtools/readerwriters/kestext/common/kesparser/CKesName.h"
+#include "kes/configtools/readerwriters/kestext/common/kesparser/CKesParser.h"
+#include "model/CElement.h"
+#include "model/CKesContext.h"
+
+#include <memory>
+#include <utility>
+
+namespace VemoKesConfigTools {
+
+namespace {
+
+/// Where the next character stands: behind all that the filters take away in front of it.
+std::size_t NextCharacter(CTextReader& source) {
+    const CTextReader::Position saved = source.GetPosition();
+    source.GetChar();
+    const std::size_t offset = source.Eof() ? saved.offset : source.GetPosition().offset - 1;
+    source.SetPosition(saved);
+    return offset;
+}
+
+TextPlace PlaceOf(const CKesContext& context) {
+    return {context.SubsystemType(), context.Device(), context.Store()};
+}
+
+class CIndexingName final : public CKesName {
+public:
+    CIndexingName(CTextReader* source, CParseContext* context, TextLine& line)
+        : CKesName(source, context), mLine(line) {}
+
+    CParserError Parse() override {
+        mLine.key.begin = NextCharacter(*mpSource);
+        CParserError result = CKesName::Parse();
+        mLine.key.end = mpSource->At().offset;
+        mLine.psid = mId;
+        mLine.indices = mIndices;
+        return result;
+    }
+    CParserError Action() override {
+        CParserError result = CKesName::Action();
+        mLine.psid = mId;
+        return result;
+    }
+
+private:
+    TextLine& mLine;
+};
+
+/// Stands in front of the value that does the work.
+class CIndexingValue final : public CValue {
+public:
+    CIndexingValue(CTextReader* source, CParseContext* context, std::unique_ptr<CValue> value, TextLine& line)
+        : CValue(source, context), mpValue(std::move(value)), mLine(line) {}
+
+    CParserError Parse() override {
+        mpValue->mpMetadata = mpMetadata;
+        mLine.value.begin = NextCharacter(*mpSource);
+        CParserError result = mpValue->Parse();
+        mLine.value.end = mpSource->At().offset;
+        return result;
+    }
+    CParserError Action(std::vector<IPayload*>& payloads, CParseContext* context,
+                        const IMetadata& metadata) override {
+        return mpValue->Action(payloads, context, metadata);
+    }
+    CParserError RemoveElement(const std::vector<std::uint32_t>& /*indices*/) override {
+        mLine.effect = TextLine::Effect::Removes;
+        return {};
+    }
+    bool IsEmptyValue() override {
+        const bool empty = mpValue->IsEmptyValue();
+        mLine.value.begin = mLine.value.end = mpSource->At().offset;
+        return empty;
+    }
+    bool IsRaw() const override { return mpValue->IsRaw(); }
+
+private:
+    std::unique_ptr<CValue> mpValue;
+    TextLine& mLine;
+};
+
+class CIndexingParser final : public CKesParser {
+public:
+    CIndexingParser(CTextReader* source, CParseContext* context, std::vector<TextLine>& lines,
+                    const TextPlace& place)
+        : CKesParser(source, context), mLines(lines), mPlace(place) {}
+
+    CParserError ParseLine() override {
+        TextLine& line = mLines.emplace_back();
+        line.all.begin = NextCharacter(*mpSource);
+        CParserError result = CKesParser::ParseLine();
+        line.error = result.mCode;
+        if (line.effect != TextLine::Effect::None) {
+            line.place = mPlace;
+        } else if (mpParseContext->mpConfigContext->HasPlace()) {
+            line.place = PlaceOf(*mpParseContext->mpConfigContext);
+        }
+        line.all.end = result.Ok() ? mpSource->At().offset : EndOfFailedLine(line.all.begin);
+        return result;
+    }
+    CName* GetName() override {
+        const std::unique_ptr<CName> usual(CKesParser::GetName());
+        if (!usual) return nullptr;
+        mLines.back().isPrefixed = mpParseContext->mPrefix.mSubsystem != -1;
+        return new CIndexingName(mpSource, mpParseContext, mLines.back());
+    }
+    CValue* GetValue(const std::string& name) override {
+        std::unique_ptr<CValue> value(CKesParser::GetValue(name));
+        if (!value) return nullptr;
+        return new CIndexingValue(mpSource, mpParseContext, std::move(value), mLines.back());
+    }
+
+private:
+    /// The pass drops the rest of a failed line, unless its newline is consumed already.
+    std::size_t EndOfFailedLine(std::size_t begin) {
+        const CTextReader::Position saved = mpSource->GetPosition();
+        if (saved.column == 0 && saved.offset > begin) return saved.offset;
+        mpSource->SkipLine();
+        const std::size_t end = mpSource->At().offset;
+        mpSource->SetPosition(saved);
+        return end;
+    }
+
+    std::vector<TextLine>& mLines;
+    const TextPlace& mPlace;
+};
+
+}  // namespace
+
+CIndexingReader::CIndexingReader(std::istream& stream, std::vector<TextLine>& lines)
+    : CKesConfigReader(&stream), mLines(lines) {
+    SetObserver(this);
+}
+
+CParser* CIndexingReader::CreateParser(CTextReader* source) {
+    return new CIndexingParser(source, mpParseContext, mLines, mPlace);
+}
+
+void CIndexingReader::OnSubsystemFound(IConfigReader& reader, IConfigContext& context) {
+    mPlace = PlaceOf(static_cast<const CKesContext&>(context));
+    reader.SetElementObserver(this);
+}
+
+bool CIndexingReader::OnElementFound(CElement* element, IConfigContext& /*context*/) {
+    const std::unique_ptr<CElement> noted(element);
+    mLines.back().effect = TextLine::Effect::Sets;
+    return true;
+}
+
+}  // namespace VemoKesConfigTools

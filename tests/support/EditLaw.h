@@ -1,0 +1,206 @@
+#pragma once
+
+// What must hold of every change of a key in a text: the changed text reads as the model would after the same
+// change, nothing else is wrong with it than before, and the bytes around the change stay.
+
+#include "kes/configtools/readerwriters/kestext/common/textindex/CTextIndex.h"
+#include "kes/configtools/readerwriters/kestext/common/textindex/EditText.h"
+#include "model/CSubsystemConfig.h"
+#include "model/SubsystemNames.h"
+#include "support/TextReading.h"
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace KesTest {
+
+class EditLaw {
+public:
+    /// Told of a change that does not hold: what, the text after it, the wanted and the actual model.
+    using Fault =
+        std::function<void(const std::string&, const std::string&, const std::string&, const std::string&)>;
+
+    EditLaw(std::string text, IMetadataProvider& provider, std::string chip, Fault fault)
+        : mProvider(provider),
+          mChip(std::move(chip)),
+          mFault(std::move(fault)),
+          mIndex(Index(std::move(text))),
+          mBefore(ReadText(mIndex.Text())) {}
+
+    /// Changes, removes and adds keys, each on its own; every `stride`th line of a key is tried.
+    void Check(std::size_t stride) {
+        CheckIndex();
+        std::size_t number = 0;
+        for (const TextLine& line : mIndex.Lines()) {
+            if (line.effect != TextLine::Effect::Sets || number++ % stride != 0) continue;
+            TextChange change = ChangeAt(line);
+            if (!IsThere(change)) continue;
+            CheckChange("set", change, line.value);
+            change.isRemoval = true;
+            CheckChange("unset", change, line.all);
+        }
+        for (const TextPlace& place : Places()) {
+            TextChange change;
+            change.place = place;
+            change.psid = UNUSED_KEY;
+            change.key = std::to_string(UNUSED_KEY);
+            change.value = VALUE;
+            if (!IsThere(change)) CheckChange("add", change, {});
+        }
+        tried = mTried;
+    }
+    std::size_t tried = 0;
+
+private:
+    static constexpr std::uint32_t UNUSED_KEY = 2147480000;
+    static constexpr const char* VALUE = "% 1 %";
+
+    struct Outcome {
+        std::shared_ptr<CChipConfig> config = std::make_shared<CChipConfig>();
+        std::vector<std::string> findings;  ///< without their places, which move
+    };
+
+    CTextIndex Index(std::string text) {
+        const Messages messages;
+        return {std::move(text), mProvider, mChip};
+    }
+    CKesContext Context() const {
+        CKesContext context = OverwriteContext();
+        context.SetChip(mChip);
+        return context;
+    }
+    /// The words of each finding.
+    static std::vector<std::string> WithoutPlaces(const std::string& findings) {
+        std::vector<std::string> words;
+        for (std::size_t at = findings.find('#'); at != std::string::npos;) {
+            const std::size_t end = findings.find(" | ", at);
+            words.push_back(findings.substr(at, end - at));
+            at = end == std::string::npos ? end : findings.find('#', end);
+        }
+        return words;
+    }
+    /// Whether every finding was there before. A change may take one away, never bring one.
+    static bool AddsNone(const std::vector<std::string>& before, const std::vector<std::string>& after) {
+        auto next = before.begin();
+        return std::ranges::all_of(after, [&](const std::string& finding) {
+            next = std::find(next, before.end(), finding);
+            return next != before.end() && (++next, true);
+        });
+    }
+    Outcome ReadText(const std::string& text) {
+        Outcome outcome;
+        CKesContext context = Context();
+        outcome.findings = WithoutPlaces(Read(text, *outcome.config, context, mProvider).findings);
+        return outcome;
+    }
+
+    static TextChange ChangeAt(const TextLine& line) {
+        TextChange change;
+        change.place = line.place;
+        change.psid = line.psid;
+        change.indices = line.indices;
+        change.key = MakeKeyString(line.psid, line.indices);
+        change.value = VALUE;
+        return change;
+    }
+    std::vector<TextPlace> Places() const {
+        std::vector<TextPlace> places;
+        for (const TextLine& line : mIndex.Lines()) {
+            if (line.effect != TextLine::Effect::None &&
+                std::ranges::find(places, line.place) == places.end())
+                places.push_back(line.place);
+        }
+        return places;
+    }
+    static CSubsystemConfig* PlaceIn(const CChipConfig& config, const TextPlace& place) {
+        for (const auto& [number, candidate] : config.Subsystems()) {
+            const CKesContext& at = candidate->Place();
+            if (TextPlace{at.SubsystemType(), at.Device(), at.Store()} == place) return candidate;
+        }
+        return nullptr;
+    }
+    bool IsThere(const TextChange& change) const {
+        const CSubsystemConfig* place = PlaceIn(*mBefore.config, change.place);
+        return place != nullptr && place->Find(change.psid, change.indices) != nullptr;
+    }
+
+    /// The model after the change, which is made on the model itself.
+    Outcome Wanted(const TextChange& change) {
+        Outcome wanted = ReadText(mIndex.Text());
+        CChipConfig& config = *wanted.config;
+        CSubsystemConfig* place = PlaceIn(config, change.place);
+        if (change.isRemoval) {
+            place->RemoveElement(change.psid, &change.indices);
+        } else {
+            // The same value, read at the same kind of place, in a text of its own.
+            static constexpr std::pair<std::int32_t, const char*> DEVICES[] = {
+                {0, "rom"},      {1, "otp"},     {2, "smem"},   {4, "mtp"},
+                {13, "cur_cfg"}, {14, "fw_cfg"}, {15, "eeprom"}};
+            std::string text = "subsystem=";
+            text += SUBSYSTEM_NAMES[static_cast<std::size_t>(change.place.subsystem)];
+            for (const auto& [device, word] : DEVICES) {
+                if (device == change.place.device) text += std::string("\ndevice=") + word;
+            }
+            text += "\nstore=" + std::to_string(change.place.store) + "\n" + change.key + "=" + change.value;
+            CKesContext fresh = Context();
+            Read(text, config, fresh, mProvider);
+        }
+        return wanted;
+    }
+
+    void CheckChange(const char* what, const TextChange& change, const TextRange& touched) {
+        ++mTried;
+        const std::string edited = EditText(mIndex, {change});
+        const Outcome wanted = Wanted(change);
+        const Outcome actual = ReadText(edited);
+        if (actual.config->FirstDifference(*wanted.config) || wanted.config->FirstDifference(*actual.config))
+            mFault(what, edited, Dump(*wanted.config), Dump(*actual.config));
+        if (!AddsNone(mBefore.findings, actual.findings)) mFault(what, edited, "no other findings", {});
+        if (change.isRemoval || touched.IsEmpty()) return;
+        // Nothing but the last value of the key has changed, and that to what was asked for.
+        const std::string& text = mIndex.Text();
+        const std::size_t start =
+            static_cast<std::size_t>(std::ranges::mismatch(text, edited).in1 - text.begin());
+        const std::size_t sameEnd = static_cast<std::size_t>(
+            std::mismatch(text.rbegin(), text.rend() - static_cast<std::ptrdiff_t>(start), edited.rbegin(),
+                          edited.rend() - static_cast<std::ptrdiff_t>(std::min(start, edited.size())))
+                .first -
+            text.rbegin());
+        for (const TextLine& line : mIndex.Lines()) {
+            if (line.effect != TextLine::Effect::Sets || line.place != change.place ||
+                line.psid != change.psid || line.indices != change.indices)
+                continue;
+            if (start >= line.value.begin && text.size() - sameEnd <= line.value.end) return;
+        }
+        if (edited != text) mFault("bytes outside of a value have changed", edited, text, {});
+    }
+
+    /// Ranges lie in each other and in the text, and hold what they say.
+    void CheckIndex() {
+        std::size_t before = 0;
+        for (const TextLine& line : mIndex.Lines()) {
+            const bool ordered = before <= line.all.begin && line.all.begin <= line.all.end &&
+                                 line.all.end <= mIndex.Text().size();
+            const bool isKey = line.effect != TextLine::Effect::None;
+            const bool nested =
+                !isKey || (line.all.begin <= line.key.begin && line.key.begin < line.key.end &&
+                           line.key.end < line.value.begin && line.value.begin <= line.value.end &&
+                           line.value.end <= line.all.end);
+            if (!ordered || !nested) mFault("ranges of the index", mIndex.Text(), {}, {});
+            before = line.all.end;
+        }
+    }
+
+    IMetadataProvider& mProvider;
+    std::string mChip;
+    Fault mFault;
+    CTextIndex mIndex;
+    Outcome mBefore;
+    std::size_t mTried = 0;
+};
+
+}  // namespace KesTest
