@@ -1,75 +1,73 @@
+#include "cli/CheckJobs.h"
+#include "cli/Diagnostics.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
-#include "cli/TextLoader.h"
+#include "cli/Json.h"
+#include "cli/Platform.h"
+#include "cli/Sarif.h"
+#include "cli/TextFile.h"
+#include "cli/TextReport.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <iostream>
-#include <map>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace kes::cli {
 
 namespace {
 
+constexpr const char* FORMAT_TEXT = "text";
+constexpr const char* FORMAT_JSON = "json";
+constexpr const char* FORMAT_SARIF = "sarif";
+
 struct CheckOptions {
-    std::vector<std::string> files;
-    bool verbose = false;
+    CheckWork work;
+    std::string format = FORMAT_TEXT;
 };
 
-std::string DeviceName(std::int32_t device) {
-    switch (device) {
-        case api::DEVICE_TYPE_ROM:
-            return "rom";
-        case api::DEVICE_TYPE_OTP:
-            return "otp";
-        case api::DEVICE_TYPE_SMEM:
-            return "smem";
-        case api::DEVICE_TYPE_MTP:
-            return "mtp";
-        case api::DEVICE_TYPE_CUR_CFG:
-            return "cur_cfg";
-        case api::DEVICE_TYPE_FW_CFG:
-            return "fw_cfg";
-        case api::DEVICE_TYPE_EEPROM:
-            return "eeprom";
-        default:
-            return std::to_string(device);
+void PrintDocument(const std::vector<TextReport>& reports, const std::string& format, ExitCode exit) {
+    if (format == FORMAT_SARIF) {
+        PrintJson(SarifLog(reports, exit));
+        return;
     }
-}
-
-void Summarize(TextLoader& loader, const TextFile& file) {
-    std::map<std::string, std::uint32_t> keys;
-    const api::Chip& chip = *loader.Chip();
-    std::cout << file.Name() << ": system " << Text(chip.SystemVersionLabel()) << ", chip "
-              << Text(chip.Name()) << " (id " << chip.ChipId() << ")\n  places\n";
-    for (const auto& place : loader.Facade().GetPlaces()) {
-        const std::string subsystem = Text(api::Subsystem::NameOf(place->SubsystemType()));
-        keys[subsystem] += place->KeyCount();
-        std::cout << "    " << subsystem << ' ' << DeviceName(place->DeviceId()) << ' ' << place->StoreId()
-                  << ": " << place->KeyCount() << (place->KeyCount() == 1 ? " key\n" : " keys\n");
-    }
-    std::cout << "  keys per subsystem\n";
-    for (const auto& [subsystem, count] : keys) std::cout << "    " << subsystem << ": " << count << '\n';
-    std::cout << "  stores\n";
-    for (const auto& store : loader.Facade().GetStores()) {
-        std::cout << "    " << DeviceName(store->DeviceId()) << ' ' << store->StoreId() << '\n';
-    }
+    Json document = JsonDocument("check");
+    document["exit"] = static_cast<int>(exit);
+    Json& results = document["results"] = Json::array();
+    for (const TextReport& report : reports) results.push_back(ToJson(report));
+    PrintJson(document);
 }
 
 int Run(const Globals& globals, const CheckOptions& options) {
-    TextLoader loader(globals);
-    int worst = EXIT_FINE;
-    for (const std::string& name : options.files) {
-        try {
-            const TextFile file(name);
-            worst = std::max<int>(worst, loader.Load(file));
-            if (options.verbose) Summarize(loader, file);
-        } catch (const Failure& failure) {
-            loader.Messages().Report(name, "error", failure.what());
-            worst = std::max<int>(worst, failure.Code());
-        }
+    const std::vector<std::string>& files = options.work.files;
+    if (std::ranges::count(files, "-") > 1) {
+        throw Failure(EXIT_USAGE, "standard input (\"-\") can be read once only");
     }
+    const std::string format = globals.json ? FORMAT_JSON : options.format;
+    CheckWork work = options.work;
+    if (work.jobs == 0) work.jobs = ProcessorCount();
+    std::uint64_t bytes = 0;
+    for (const std::string& name : files) bytes += TextFile::SizeOf(name);
+
+    const Diagnostics diagnostics(globals.noColor);
+    ProgressBar bar(bytes);
+    std::vector<TextReport> reports;
+    ExitCode worst = EXIT_FINE;
+    const auto take = [&](const TextReport& report) {
+        worst = std::max(worst, report.exit);
+        bar.Erase();
+        if (format == FORMAT_TEXT) {
+            PrintMessages(report, diagnostics);
+            PrintSummary(report);
+        } else {
+            PrintFailure(report, diagnostics);
+            reports.push_back(report);
+        }
+    };
+    CheckTexts(globals, work, take, bar);
+    bar.Erase();
+    if (format != FORMAT_TEXT) PrintDocument(reports, format, worst);
     return worst;
 }
 
@@ -78,8 +76,25 @@ int Run(const Globals& globals, const CheckOptions& options) {
 void AddCheck(CLI::App& app, Globals& globals) {
     CLI::App* command = app.add_subcommand("check", "Check configuration texts against the metadata");
     const auto options = std::make_shared<CheckOptions>();
-    command->add_option("FILE", options->files, "Texts to check; \"-\" for standard input")->required();
-    command->add_flag("-v,--verbose", options->verbose, "Also say what was found: places, keys and stores");
+    command->add_option("FILE", options->work.files, "Texts to check; \"-\" for standard input")->required();
+    command->add_flag("-v,--verbose", options->work.summaries,
+                      "Also say what was found: places, keys and stores");
+    CLI::Option* format =
+        command
+            ->add_option("--format", options->format,
+                         "How to tell what was found: text (messages on standard error), json or sarif "
+                         "(a document on standard output)")
+            ->check(CLI::IsMember({FORMAT_TEXT, FORMAT_JSON, FORMAT_SARIF}))
+            ->option_text("FORMAT");
+    AddJsonOption(*command, globals);
+    command->get_option("--json")->description("The same as --format=json")->excludes(format);
+    constexpr std::size_t MOST_JOBS = 1000;
+    command
+        ->add_option(
+            "-j,--jobs", options->work.jobs,
+            "In how many processes to check several texts; 0 for one for each processor (default: 1)")
+        ->check(CLI::Range(std::size_t{0}, MOST_JOBS))
+        ->option_text("N");
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
     command->get_option("--chip")->description(
         "Firmware system, by its version label (environment: KES_CHIP; without both: the one that the "

@@ -4,9 +4,7 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <string_view>
 
 namespace kes::cli {
@@ -24,22 +22,6 @@ bool WantsColor(bool noColor, bool terminal) {
     const std::string_view force = Variable("CLICOLOR_FORCE");
     if (!force.empty() && force != "0") return true;
     return terminal && Variable("TERM") != "dumb";
-}
-
-/// The lines of a text, whose ends are LF, CR, CR LF and CR CR, as the text reader counts them.
-std::vector<std::string> Lines(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    std::vector<std::string> lines(1);
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '\n' && text[i] != '\r') {
-            lines.back().push_back(text[i]);
-            continue;
-        }
-        if (text[i] == '\r' && i + 1 < text.size() && (text[i + 1] == '\n' || text[i + 1] == '\r')) ++i;
-        lines.emplace_back();
-    }
-    return lines;
 }
 
 }  // namespace
@@ -68,15 +50,15 @@ void Diagnostics::Severity(const char* severity, const std::string& text) const 
 }
 
 void Diagnostics::ShowSource(const std::string& path, std::uint32_t line, std::uint32_t column) {
-    constexpr std::size_t WIDEST = 200;
+    if (!mTerminal || line == 0) return;
+    if (!mSource || mSource->Path() != path) mSource.emplace(path);
+    ShowLine(mSource->Line(line), column);
+}
+
+void Diagnostics::ShowLine(std::string_view line, std::uint32_t column) const {
     if (!mTerminal) return;
-    if (path != mSourcePath) {
-        mSourceLines = Lines(path);
-        mSourcePath = path;
-    }
-    if (line == 0 || line > mSourceLines.size()) return;
     // Neither the caret nor its line is of use in a line of megabytes, and no byte may act on the terminal.
-    const std::string source = mSourceLines[line - 1].substr(0, WIDEST);
+    const std::string_view source = line.substr(0, WIDEST_SOURCE);
     std::string shown;
     std::string below;
     for (std::size_t i = 0; i < source.size(); ++i) {

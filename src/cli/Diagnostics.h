@@ -1,11 +1,17 @@
 #pragma once
 
+#include "cli/SourceLines.h"
+
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
+#include <string_view>
 
 namespace kes::cli {
+
+/// How much of a line is shown.
+inline constexpr std::size_t WIDEST_SOURCE = 200;
 
 /// Prints messages on standard error: `FILE:LINE:COLUMN: error: TEXT`, and on a terminal the source line with
 /// a caret below, in colour unless that is unwanted.
@@ -20,14 +26,15 @@ public:
                 const std::string& text) const;
     /// The source line of a place with a caret, on a terminal only. `path` is read when it is first needed.
     void ShowSource(const std::string& path, std::uint32_t line, std::uint32_t column);
+    /// The same for a line that is at hand.
+    void ShowLine(std::string_view line, std::uint32_t column) const;
 
 private:
     void Severity(const char* severity, const std::string& text) const;
 
     bool mTerminal;
     bool mColor;
-    std::string mSourcePath;
-    std::vector<std::string> mSourceLines;  ///< of the file of the last source line
+    std::optional<SourceLines> mSource;  ///< of the last file that was asked for by its path
 };
 
 }  // namespace kes::cli

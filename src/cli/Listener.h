@@ -4,6 +4,7 @@
 #include "messages/CTheMsgHnd.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,7 +16,10 @@ class Listener final : public VemoKesConfigTools::CMessageHandlerObserver {
 public:
     using Error = std::pair<std::int16_t, std::string>;
 
-    Listener() { VemoKesConfigTools::CTheMsgHnd::AddObserver(*this); }
+    /// `progress`, if there is one, is told how many bytes of a text have been read.
+    explicit Listener(std::function<void(std::uint64_t)> progress = {}) : mProgress(std::move(progress)) {
+        VemoKesConfigTools::CTheMsgHnd::AddObserver(*this);
+    }
     ~Listener() override { VemoKesConfigTools::CTheMsgHnd::RemoveObserver(*this); }
 
     void OnFinding(const VemoKesConfigTools::TextFinding& finding) override { mFindings.push_back(finding); }
@@ -23,6 +27,9 @@ public:
         mErrors.emplace_back(number, text);
     }
     void OnStatus(std::int32_t /*level*/, const std::string& text) override { mStatuses.push_back(text); }
+    void OnProgress(std::uint64_t bytes) override {
+        if (mProgress) mProgress(bytes);
+    }
 
     const std::vector<VemoKesConfigTools::TextFinding>& Findings() const { return mFindings; }
     const std::vector<std::string>& Statuses() const { return mStatuses; }
@@ -34,6 +41,7 @@ public:
     }
 
 private:
+    std::function<void(std::uint64_t)> mProgress;
     std::vector<VemoKesConfigTools::TextFinding> mFindings;
     std::vector<Error> mErrors;
     std::vector<std::string> mStatuses;

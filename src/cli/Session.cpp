@@ -83,6 +83,16 @@ std::vector<std::shared_ptr<api::Metadata>> Session::Keys(const api::Chip& chip,
     return keys;
 }
 
+void Session::LoadDetails(const api::Chip& chip, const std::shared_ptr<api::Subsystem>& subsystem,
+                          const std::shared_ptr<api::Metadata>& key) {
+    if (key->Details()) return;
+    ClearErrors();
+    // Details are those of the chip of the last listing.
+    Subsystems(chip);
+    mMetadata->GetMetadataDetails(subsystem, key);
+    FailOnError();
+}
+
 std::vector<std::string> Session::KeyNames(const api::Chip& chip) {
     std::vector<std::string> names;
     for (const auto& subsystem : Subsystems(chip)) {

@@ -32,6 +32,9 @@ public:
     std::vector<std::shared_ptr<api::Subsystem>> Subsystems(const api::Chip& chip);
     /// The keys of a subsystem, by number.
     std::vector<std::shared_ptr<api::Metadata>> Keys(const api::Chip& chip, const api::Subsystem& subsystem);
+    /// Completes the record of a key with its enumerators and fields, unless it has them.
+    void LoadDetails(const api::Chip& chip, const std::shared_ptr<api::Subsystem>& subsystem,
+                     const std::shared_ptr<api::Metadata>& key);
     /// The names of all keys of a chip.
     std::vector<std::string> KeyNames(const api::Chip& chip);
 

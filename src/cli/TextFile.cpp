@@ -73,6 +73,12 @@ TextFile::TextFile(const std::string& name) : mName(name), mPath(name) {
     mVersion = FindVersion(file);
 }
 
+std::uint64_t TextFile::SizeOf(const std::string& path) {
+    std::error_code failed;
+    const std::uintmax_t size = fs::file_size(path, failed);
+    return failed ? 0 : size;
+}
+
 TextFile::~TextFile() {
     std::error_code ignored;
     if (!mTemporary.empty()) fs::remove(mTemporary, ignored);

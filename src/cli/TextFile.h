@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace kes::cli {
@@ -17,6 +18,9 @@ public:
     const std::string& Name() const { return mName; }
     const std::string& Path() const { return mPath; }
     bool IsEmpty() const { return mIsEmpty; }
+    /// In bytes; 0 when the system does not tell it.
+    std::uint64_t Size() const { return SizeOf(mPath); }
+    static std::uint64_t SizeOf(const std::string& path);
     /// The text of the first "version" line; empty without one. It is looked for without the metadata, line
     /// by line, so it is good for a default only.
     const std::string& Version() const { return mVersion; }

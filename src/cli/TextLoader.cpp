@@ -1,39 +1,54 @@
 #include "cli/TextLoader.h"
 
-#include "cli/NearNames.h"
+#include "cli/DeviceNames.h"
+#include "cli/ProgressBar.h"
+#include "cli/SourceLines.h"
+#include "cli/SourceWords.h"
+
+#include <utility>
 
 namespace kes::cli {
 
-namespace {
-
 using VemoKesConfigTools::TextFinding;
 
-// Kinds of findings for which a near name helps.
-constexpr std::int32_t UNKNOWN_NAME = 26;
-constexpr std::int32_t NO_KEY_NUMBER = 21;
-
-}  // namespace
-
 TextLoader::TextLoader(const Globals& globals)
-    : mChosenChip(globals.chip), mSession(globals), mFacade(globals.database), mDiagnostics(globals.noColor) {
+    : mChosenChip(globals.chip),
+      mSession(globals),
+      mFacade(globals.database),
+      mDiagnostics(globals.noColor),
+      mNotes(mSession) {
     if (!mChosenChip.empty()) mSession.FindChip(mChosenChip);
 }
 
 ExitCode TextLoader::Load(const TextFile& file) {
+    ProgressBar bar(file.Size());
+    const TextReport report = Read(file, [&](std::uint64_t bytes) { bar.Show(bytes); });
+    bar.Erase();
+    PrintMessages(report, mDiagnostics);
+    return report.exit;
+}
+
+TextReport TextLoader::Read(const TextFile& file, std::function<void(std::uint64_t)> progress) {
     const bool guessed = ChooseChip(file);
-    const Listener listener;
+    const Listener listener(std::move(progress));
     mFacade.OwningChip(mChip);
-    const bool good = mFacade.LoadText(file.Path(), /*merge=*/false);
-    const ExitCode result = good ? EXIT_FINE : ReportFindings(file, listener);
+    TextReport report;
+    report.file = file.Name();
+    report.system = Text(mChip->SystemVersionLabel());
+    if (!mFacade.LoadText(file.Path(), /*merge=*/false)) TakeFindings(file, listener, report);
     for (const std::string& status : listener.Statuses()) {
-        if (listener.Findings().empty()) mDiagnostics.Report(file.Name(), "warning", status);
+        if (!listener.Findings().empty()) break;
+        Finding finding;
+        finding.severity = "warning";
+        finding.kind = status;
+        finding.message = status;
+        report.findings.push_back(std::move(finding));
     }
-    if (guessed && result == EXIT_FINDINGS && !file.IsEmpty()) {
-        mDiagnostics.Report(file.Name(), "note",
-                            "checked as a text of " + Text(mChip->SystemVersionLabel()) +
-                                ", the first of the database; choose another system with --chip");
+    if (guessed && report.exit == EXIT_FINDINGS && !file.IsEmpty()) {
+        report.notes.push_back("checked as a text of " + report.system +
+                               ", the first of the database; choose another system with --chip");
     }
-    return result;
+    return report;
 }
 
 /// Whether neither the options nor the text have named the system.
@@ -44,30 +59,40 @@ bool TextLoader::ChooseChip(const TextFile& file) {
     return !named;
 }
 
-ExitCode TextLoader::ReportFindings(const TextFile& file, const Listener& listener) {
-    for (const TextFinding& finding : listener.Findings()) {
-        if (finding.line == 0) {
-            mDiagnostics.Report(file.Name(), "error", finding.Message());
-            continue;
+void TextLoader::TakeFindings(const TextFile& file, const Listener& listener, TextReport& report) {
+    for (const auto& [number, text] : listener.OtherErrors()) report.errors.push_back(text);
+    report.exit = report.errors.empty() || file.IsEmpty() ? EXIT_FINDINGS : EXIT_SYSTEM;
+    SourceLines lines(file.Path());
+    for (const TextFinding& said : listener.Findings()) {
+        Finding finding;
+        finding.line = said.line;
+        finding.column = said.column;
+        finding.code = said.code;
+        finding.kind = said.text;
+        finding.message = said.Message();
+        finding.key = said.key;
+        if (said.line != 0) {
+            const std::string_view line = lines.Line(said.line);
+            // What stands in front of a joined line cannot be seen in it.
+            const bool joined = said.line > 1 && lines.Line(said.line - 1).ends_with('\\');
+            finding.character = ToCharacter(line, said.column);
+            finding.source = line.substr(0, WIDEST_SOURCE);
+            mNotes.Add(*mChip, said, joined ? std::string_view() : line, finding);
         }
-        mDiagnostics.Report(file.Name(), finding.line, finding.column, "error", finding.Message());
-        mDiagnostics.ShowSource(file.Path(), finding.line, finding.column);
-        if (finding.code != UNKNOWN_NAME && finding.code != NO_KEY_NUMBER) continue;
-        if (const std::string near = DidYouMean(finding.key, KeyNames()); !near.empty()) {
-            mDiagnostics.Report(file.Name(), finding.line, finding.column, "note", near);
-        }
+        report.findings.push_back(std::move(finding));
     }
-    const std::vector<Listener::Error> others = listener.OtherErrors();
-    for (const auto& [number, text] : others) mDiagnostics.Report(file.Name(), "error", text);
-    return others.empty() || file.IsEmpty() ? EXIT_FINDINGS : EXIT_SYSTEM;
 }
 
-/// Asked for once per chip, and only when there is something to look for.
-const std::vector<std::string>& TextLoader::KeyNames() {
-    const std::string label = Text(mChip->SystemVersionLabel());
-    const auto found = mKeyNames.find(label);
-    if (found != mKeyNames.end()) return found->second;
-    return mKeyNames.emplace(label, mSession.KeyNames(*mChip)).first->second;
+TextSummary TextLoader::Summary() const {
+    TextSummary summary{Text(mChip->Name()), mChip->ChipId(), {}, {}};
+    for (const auto& place : mFacade.GetPlaces()) {
+        summary.places.push_back({Text(api::Subsystem::NameOf(place->SubsystemType())),
+                                  DeviceName(place->DeviceId()), place->StoreId(), place->KeyCount()});
+    }
+    for (const auto& store : mFacade.GetStores()) {
+        summary.stores.push_back({DeviceName(store->DeviceId()), store->StoreId()});
+    }
+    return summary;
 }
 
 }  // namespace kes::cli

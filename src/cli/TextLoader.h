@@ -2,43 +2,49 @@
 
 #include "cli/Diagnostics.h"
 #include "cli/ExitCodes.h"
+#include "cli/FindingNotes.h"
 #include "cli/Globals.h"
 #include "cli/Listener.h"
 #include "cli/Session.h"
 #include "cli/TextFile.h"
+#include "cli/TextReport.h"
 #include "facade/FrameworkFacade.h"
 
-#include <map>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace kes::cli {
 
-/// Loads configuration texts for commands, and reports what is wrong with them on standard error.
+/// Loads configuration texts for commands, and reports what is wrong with them.
 class TextLoader {
 public:
     explicit TextLoader(const Globals& globals);
 
-    /// Loads a text: `EXIT_FINE`, `EXIT_FINDINGS` with all errors reported, or `EXIT_SYSTEM`.
+    /// Loads a text: `EXIT_FINE`, `EXIT_FINDINGS` with all errors printed on standard error, or
+    /// `EXIT_SYSTEM`. What takes long shows a bar on a terminal.
     ExitCode Load(const TextFile& file);
+    /// The same without printing: what was found. `progress` is told how many bytes have been read.
+    TextReport Read(const TextFile& file, std::function<void(std::uint64_t)> progress = {});
     /// What the last load has filled.
     api::FrameworkFacade& Facade() { return mFacade; }
     /// The chip of the last load: the one of the options, or of the text's "version" line, or the first.
     const std::shared_ptr<api::Chip>& Chip() const { return mChip; }
+    /// What the text of the last load holds.
+    TextSummary Summary() const;
     Diagnostics& Messages() { return mDiagnostics; }
 
 private:
     bool ChooseChip(const TextFile& file);
-    ExitCode ReportFindings(const TextFile& file, const Listener& listener);
-    const std::vector<std::string>& KeyNames();
+    void TakeFindings(const TextFile& file, const Listener& listener, TextReport& report);
 
     std::string mChosenChip;
     Session mSession;
     api::FrameworkFacade mFacade;
     Diagnostics mDiagnostics;
+    FindingNotes mNotes;
     std::shared_ptr<api::Chip> mChip;
-    std::map<std::string, std::vector<std::string>> mKeyNames;  ///< by system version label
 };
 
 }  // namespace kes::cli

@@ -70,6 +70,11 @@ void CMessageHandler::NotifyFinding(const TextFinding& finding) {
         [&](CMessageHandlerObserver& observer) { observer.OnFinding(finding); });
 }
 
+void CMessageHandler::NotifyProgress(std::uint64_t bytes) {
+    MessageStore::Instance().ForEachObserver(
+        [&](CMessageHandlerObserver& observer) { observer.OnProgress(bytes); });
+}
+
 void CMessageHandler::SetParagraphString(const std::string& text) {
     MessageStore& store = MessageStore::Instance();
     const std::lock_guard lock(store.mutex);

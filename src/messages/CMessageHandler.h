@@ -47,6 +47,8 @@ public:
     void NotifyStatus(StatusLevels level, const std::string& text);
     /// Passes a finding in a text on to the observers. It is not stored.
     void NotifyFinding(const TextFinding& finding);
+    /// Tells the observers how many bytes of a text have been read.
+    void NotifyProgress(std::uint64_t bytes);
 
     /// The text between the paragraphs of a long message, common to all handlers; a newline at first.
     void SetParagraphString(const std::string& text);

@@ -10,12 +10,13 @@ namespace VemoKesConfigTools {
 /// One finding in an input text, as a machine can use it. The same finding is also part of the text of the
 /// error that the reader stores.
 struct TextFinding {
-    std::uint32_t line = 0;    ///< Line, counted from 1; 0 when the finding concerns the text as a whole.
-    std::uint32_t column = 0;  ///< Column in bytes, counted from 1; 0 when `line` is 0.
-    std::int32_t code = 0;     ///< Number of the kind of error, stable between versions.
-    std::string text;          ///< The kind of error in words.
-    std::string key;           ///< The key of the line, as far as it is known; may be empty.
-    std::string detail;        ///< What belongs to this one finding; may be empty.
+    std::uint32_t line = 0;       ///< Line, counted from 1; 0 when the finding concerns the text as a whole.
+    std::uint32_t column = 0;     ///< Column in bytes, counted from 1; 0 when `line` is 0.
+    std::int32_t code = 0;        ///< Number of the kind of error, stable between versions.
+    std::string text;             ///< The kind of error in words.
+    std::string key;              ///< The key of the line, as far as it is known; may be empty.
+    std::string detail;           ///< What belongs to this one finding; may be empty.
+    std::int32_t subsystem = -1;  ///< Type of the subsystem that the line belongs to; -1 when it has none.
 
     /// All that the finding says, on one line: `TEXT: KEY DETAIL`.
     KES_API std::string Message() const;
@@ -39,6 +40,8 @@ public:
     virtual void OnFinding(const TextFinding& /*finding*/) {}
     /// One line of the debug trace, without a line end.
     virtual void OnTrace(const std::string& /*line*/) {}
+    /// How far the reading of a text has come, now and then: about once per MiB.
+    virtual void OnProgress(std::uint64_t /*bytes*/) {}
 };
 
 }  // namespace VemoKesConfigTools

@@ -108,8 +108,14 @@ void CKesConfigReader::RunPass(CParser& parser, CUnicodeFile& file, Collected& e
 
 void CKesConfigReader::CollectLine(const CUnicodeFile& file, const CParserError& error,
                                    const std::string& text, Collected& errors) {
-    const TextFinding finding{file.GetLine() + 1, file.GetColumn() + 1, error.mCode, text,
-                              error.mKey,         error.mDetail};
+    const std::int32_t prefix = mpParseContext->mPrefix.mSubsystem;
+    const TextFinding finding{file.GetLine() + 1,
+                              file.GetColumn() + 1,
+                              error.mCode,
+                              text,
+                              error.mKey,
+                              error.mDetail,
+                              prefix != -1 ? prefix : mpParseContext->mInfo.mSubsystem};
     ++errors.count;
     errors.text.append(Paragraph()).append("line ").append(std::to_string(finding.line));
     errors.text.append(", column ")

@@ -24,10 +24,16 @@ CParserError CParser::Parse() {
             continue;
         }
         mLineStart = mpSource->GetPosition().offset;
+        if (mLineStart >= mNextProgress) ReportProgress();
         result = ParseLine();
     }
     if (mpSource->Eof() && result.Ok()) result.SetCode(mDataFound ? PE_END_OF_DATA : PE_NO_CONFIG_DATA);
     return result;
+}
+
+void CParser::ReportProgress() {
+    mNextProgress = mLineStart + PROGRESS_STEP;
+    KesTextHandler("CParser::Parse").NotifyProgress(mLineStart);
 }
 
 void CParser::DropLine() {

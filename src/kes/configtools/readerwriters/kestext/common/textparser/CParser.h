@@ -50,8 +50,12 @@ private:
     CParserError ParseValue(const CName& name, const CParserError& nameResult);
     CParserError ReadValue(CValue& value, const CName& name);
     void Deliver(const CName& name, COwnedPayloads& payloads, const IMetadata& metadata);
+    void ReportProgress();
 
-    std::size_t mLineStart = 0;  ///< offset at which the current line began
+    static constexpr std::size_t PROGRESS_STEP = std::size_t{1} << 20U;
+
+    std::size_t mLineStart = 0;                 ///< offset at which the current line began
+    std::size_t mNextProgress = PROGRESS_STEP;  ///< offset from which progress is reported next
 };
 
 }  // namespace VemoKesConfigTools

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "cli/Diagnostics.h"
+#include "cli/ExitCodes.h"
+#include "cli/Json.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kes::cli {
+
+/// A word in a line of a text. Columns count from 1, characters are the columns in code points; the ends are
+/// one past the word.
+struct SourceWord {
+    std::string text;
+    std::uint32_t column = 0;
+    std::uint32_t endColumn = 0;
+    std::uint32_t character = 0;
+    std::uint32_t endCharacter = 0;
+};
+
+/// One thing that is wrong with a text.
+struct Finding {
+    std::uint32_t line = 0;          ///< counted from 1; 0 when the text as a whole is meant
+    std::uint32_t column = 0;        ///< in bytes from 1: where the reader stopped; 0 without a line
+    std::uint32_t character = 0;     ///< the column in code points
+    std::int32_t code = 0;           ///< the kind, stable between versions; 0 for the text as a whole
+    std::string severity = "error";  ///< or "warning"
+    std::string kind;                ///< the words of the code
+    std::string message;             ///< all of it, on one line
+    std::string key;                 ///< of the line, as far as it is known
+    std::vector<std::string> notes;  ///< what helps, each on one line
+    std::vector<std::string> near;   ///< words of which one may have been meant
+    /// The word that the near ones could stand for. Only where its place in the line is sure.
+    std::optional<SourceWord> word;
+    std::string source;  ///< the line; only the beginning of a very long one
+};
+
+/// What a text holds, for those who ask.
+struct TextSummary {
+    struct Place {
+        std::string subsystem;
+        std::string device;
+        std::int32_t store = 0;
+        std::uint32_t keys = 0;
+    };
+    struct Store {
+        std::string device;
+        std::int32_t store = 0;
+    };
+    std::string chip;
+    std::int32_t chipId = 0;
+    std::vector<Place> places;
+    std::vector<Store> stores;
+};
+
+/// What came of loading one text. Text, JSON and SARIF are made of this record alone.
+struct TextReport {
+    std::string file;    ///< as messages name it
+    std::string system;  ///< label of the system it was held against; empty when it did not come that far
+    ExitCode exit = EXIT_FINE;
+    std::vector<Finding> findings;
+    std::vector<std::string> errors;  ///< of the whole text, or of the system when `exit` is `EXIT_SYSTEM`
+    std::vector<std::string> notes;   ///< of the whole text
+    std::optional<TextSummary> summary;
+};
+
+/// The report of a text that could not be read.
+TextReport FailureReport(const std::string& file, const std::string& message);
+
+/// The stable name of a kind of finding: "KES026".
+std::string RuleId(std::int32_t code);
+
+/// Prints a report as messages, a line each, without its summary.
+void PrintMessages(const TextReport& report, const Diagnostics& diagnostics);
+/// Prints the errors of a report that has failed; nothing for any other.
+void PrintFailure(const TextReport& report, const Diagnostics& diagnostics);
+/// Prints the summary on standard output, if there is one.
+void PrintSummary(const TextReport& report);
+
+/// The report as an element of "results". `ReportFromJson` makes the same report of it again.
+Json ToJson(const TextReport& report);
+TextReport ReportFromJson(const Json& json);
+
+}  // namespace kes::cli
