@@ -13,6 +13,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -54,6 +55,12 @@ Source SourceOf(const CLI::Option& option) {
         if (found != std::end(SOURCES) && !(option.get_positional() && name == "TEXT")) return found->source;
     }
     return Source::FILES;
+}
+
+/// A path as the shell will give it to the command.
+std::string ExpandHome(const std::string& path) {
+    const char* home = std::getenv("HOME");
+    return path.starts_with("~/") && home != nullptr ? home + path.substr(1) : path;
 }
 
 /// What the words in front of the cursor say.
@@ -152,8 +159,8 @@ public:
         : mApp(app), mGlobals(std::move(globals)), mLine(app) {
         for (std::size_t i = 0; i + 1 < words.size(); ++i) mLine.Take(words[i]);
         if (!words.empty()) mWord = words.back();
-        mGlobals.database = mLine.Value("db", mGlobals.database);
-        mGlobals.plugins = mLine.Value("plugins", mGlobals.plugins);
+        mGlobals.database = ExpandHome(mLine.Value("db", mGlobals.database));
+        mGlobals.plugins = ExpandHome(mLine.Value("plugins", mGlobals.plugins));
         mGlobals.chip = mLine.Value("chip", mGlobals.chip);
     }
 
@@ -167,7 +174,11 @@ public:
             mHead = mWord.substr(0, equals + 1);
             return Values(*option);
         }
-        if (!CommandsOf(mLine.Command()).empty()) return Commands(mLine.Command());
+        if (!CommandsOf(mLine.Command()).empty()) {
+            // Nothing is known of what stands behind an unknown command.
+            if (mLine.Positionals().empty()) Commands(mLine.Command());
+            return;
+        }
         if (const CLI::Option* positional = mLine.NextPositional()) return Values(*positional);
         if (!mLine.OptionsEnded()) Options();
     }
@@ -176,7 +187,8 @@ private:
     void Offer(const std::string& text, const std::string& meaning) {
         const std::string candidate = mHead + text;
         if (!candidate.starts_with(mWord)) return;
-        std::string line = meaning.substr(0, meaning.find('\n'));
+        // In a menu there is room for the beginning only.
+        std::string line = meaning.substr(0, std::min(meaning.find('\n'), meaning.find(" (")));
         std::ranges::replace(line, '\t', ' ');
         std::cout << candidate << '\t' << line << '\n';
     }
@@ -263,7 +275,7 @@ private:
 
     /// As the commands choose it: the option, or the "version" line of the text, or the first.
     std::shared_ptr<api::Chip> Chip(const Session& session) const {
-        const std::string file = mLine.Value("FILE", "-");
+        const std::string file = ExpandHome(mLine.Value("FILE", "-"));
         if (!mGlobals.chip.empty() || file == "-" || !std::filesystem::is_regular_file(file)) {
             return session.FindChip(mGlobals.chip);
         }

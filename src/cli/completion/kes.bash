@@ -17,13 +17,12 @@ _kes() {
     done
     local head=${words[-1]%"$word"}
     [[ $word == [=:] ]] && head=${words[-1]}
-    # Quotes and a home folder, as far as a word can be read without running it.
+    # Without the marks that quote, as far as a word can be read without running it.
     words=("${words[@]//[\"\'\\]/}")
-    words=("${words[@]/#\~\//$HOME/}")
 
     local line
     local -a answer=()
-    mapfile -t answer < <("${words[0]}" __complete -- "${words[@]:1}" 2>/dev/null)
+    mapfile -t answer < <("${words[0]/#\~\//$HOME/}" __complete -- "${words[@]:1}" 2>/dev/null)
     COMPREPLY=()
     case ${answer[0]-} in
         :files) return ;;  # nothing more: "complete -o default" takes over
