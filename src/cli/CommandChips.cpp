@@ -25,6 +25,31 @@ Json ChipsDocument(const Session& session) {
     return document;
 }
 
+int ListSubsystems(const Globals& globals) {
+    Session session(globals);
+    const std::shared_ptr<api::Chip> chip = session.FindChip(globals.chip);
+    Json document = JsonDocument("subsystems");
+    document["system"] = Text(chip->SystemVersionLabel());
+    Json& results = document["results"] = Json::array();
+    Table table({"NAME", "ALIAS", "KEYS", "VERSION", "DESCRIPTION"});
+    for (const auto& subsystem : session.Subsystems(*chip)) {
+        const std::size_t keys = session.Keys(*chip, *subsystem).size();
+        results.push_back({{"subsystem", Text(subsystem->Name())},
+                           {"alias", Text(subsystem->Alias())},
+                           {"keys", keys},
+                           {"version", Text(subsystem->Version())},
+                           {"description", Text(subsystem->Description())}});
+        table.Add({Text(subsystem->Name()), Text(subsystem->Alias()), std::to_string(keys),
+                   Text(subsystem->Version()), Text(subsystem->Description())});
+    }
+    if (globals.json) {
+        PrintJson(document);
+    } else {
+        table.Print(std::cout);
+    }
+    return EXIT_FINE;
+}
+
 }  // namespace
 
 void AddChips(CLI::App& app, Globals& globals) {
@@ -53,20 +78,8 @@ void AddChips(CLI::App& app, Globals& globals) {
 void AddSubsystems(CLI::App& app, Globals& globals) {
     CLI::App* command = app.add_subcommand("subsystems", "List the subsystems of a chip");
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
-    command->callback([&globals] {
-        globals.run = [&globals] {
-            Session session(globals);
-            const std::shared_ptr<api::Chip> chip = session.FindChip(globals.chip);
-            Table table({"NAME", "ALIAS", "KEYS", "VERSION", "DESCRIPTION"});
-            for (const auto& subsystem : session.Subsystems(*chip)) {
-                table.Add({Text(subsystem->Name()), Text(subsystem->Alias()),
-                           std::to_string(session.Keys(*chip, *subsystem).size()), Text(subsystem->Version()),
-                           Text(subsystem->Description())});
-            }
-            table.Print(std::cout);
-            return EXIT_FINE;
-        };
-    });
+    AddJsonOption(*command, globals);
+    command->callback([&globals] { globals.run = [&globals] { return ListSubsystems(globals); }; });
 }
 
 }  // namespace kes::cli

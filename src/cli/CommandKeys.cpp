@@ -1,5 +1,7 @@
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
+#include "cli/Json.h"
+#include "cli/KeyRecord.h"
 #include "cli/KeyText.h"
 #include "cli/NearNames.h"
 #include "cli/Session.h"
@@ -33,24 +35,27 @@ bool Matches(const api::Metadata& key, const std::string& pattern) {
 int Run(const Globals& globals, const KeysOptions& options) {
     Session session(globals);
     const std::shared_ptr<api::Chip> chip = session.FindChip(globals.chip);
+    Json document = JsonDocument("keys");
+    document["system"] = Text(chip->SystemVersionLabel());
+    Json& results = document["results"] = Json::array();
     Table table({"SUBSYSTEM", "NUMBER", "NAME", "TYPE", "LABEL"});
-    std::size_t found = 0;
     for (const auto& subsystem : SubsystemsNamed(session, *chip, options.subsystem)) {
         for (const auto& key : session.Keys(*chip, *subsystem)) {
             if (!Matches(*key, options.pattern)) continue;
-            ++found;
             session.Metadata().GetMetadataDetails(subsystem, key);
+            results.push_back(KeyRecord(*subsystem, *key));
             table.Add({Text(subsystem->Name()), KeyNumber(*key), Text(key->Name()) + IndexSuffix(*key),
-                       TypeText(*key), Text(key->Label())});
+                       TypeText(results.back()), Text(key->Label())});
         }
     }
-    if (found != 0) {
-        table.Print(std::cout);
-        return EXIT_FINE;
+    if (globals.json) PrintJson(document);
+    if (results.empty()) {
+        const std::string near = DidYouMean(options.pattern, session.KeyNames(*chip));
+        throw Failure(EXIT_FINDINGS, "no key of " + Text(chip->SystemVersionLabel()) + " matches \"" +
+                                         options.pattern + "\"" + (near.empty() ? "" : ", " + near));
     }
-    const std::string near = DidYouMean(options.pattern, session.KeyNames(*chip));
-    throw Failure(EXIT_FINDINGS, "no key of " + Text(chip->SystemVersionLabel()) + " matches \"" +
-                                     options.pattern + "\"" + (near.empty() ? "" : ", " + near));
+    if (!globals.json) table.Print(std::cout);
+    return EXIT_FINE;
 }
 
 }  // namespace
@@ -63,6 +68,7 @@ void AddKeys(CLI::App& app, Globals& globals) {
     command->add_option("--subsystem", options->subsystem, "Only keys of this subsystem, by name or alias")
         ->type_name("NAME");
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
+    AddJsonOption(*command, globals);
     command->callback(
         [&globals, options] { globals.run = [&globals, options] { return Run(globals, *options); }; });
 }

@@ -2,6 +2,7 @@
 #include "cli/Diagnostics.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
+#include "cli/Json.h"
 #include "cli/OutputFile.h"
 #include "metadb/JsonSource.h"
 #include "metadb/MetadataDatabase.h"
@@ -89,20 +90,24 @@ int Export(const MetadataOptions& options) {
     return EXIT_FINE;
 }
 
-int Check(const MetadataOptions& options) {
+int Check(const Globals& globals, const MetadataOptions& options) {
     if (!std::ifstream(options.database)) {
         throw Failure(EXIT_SYSTEM, options.database + ": cannot be opened: " + std::strerror(errno));
     }
+    Json document = JsonDocument("metadata check");
+    document["file"] = options.database;
+    Json& results = document["results"] = Json::array();
     try {
         metadb::MetadataDatabase database(options.database);
         database.CheckFile();
         database.LoadAll();
     } catch (const metadb::DatabaseError& error) {
+        results.push_back({{"level", "error"}, {"message", error.what()}});
         // The text names the file already.
-        std::cerr << error.what() << '\n';
-        return EXIT_FINDINGS;
+        if (!globals.json) std::cerr << error.what() << '\n';
     }
-    return EXIT_FINE;
+    if (globals.json) PrintJson(document);
+    return results.empty() ? EXIT_FINE : EXIT_FINDINGS;
 }
 
 }  // namespace
@@ -129,7 +134,9 @@ void AddMetadata(CLI::App& app, Globals& globals) {
 
     CLI::App* check = command->add_subcommand("check", "Check a database for damage");
     check->add_option("DB", options->database, "The database")->required();
-    check->callback([&globals, options] { globals.run = [options] { return Check(*options); }; });
+    AddJsonOption(*check, globals);
+    check->callback(
+        [&globals, options] { globals.run = [&globals, options] { return Check(globals, *options); }; });
 }
 
 }  // namespace kes::cli

@@ -36,5 +36,7 @@ void AddKeys(CLI::App& app, Globals& globals);
 void AddDescribe(CLI::App& app, Globals& globals);
 void AddRewrite(CLI::App& app, Globals& globals);
 void AddMetadata(CLI::App& app, Globals& globals);
+void AddCompletion(CLI::App& app, Globals& globals);
+void AddHelp(CLI::App& app, Globals& globals);
 
 }  // namespace kes::cli

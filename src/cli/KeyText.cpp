@@ -1,6 +1,7 @@
 #include "cli/KeyText.h"
 
 #include "cli/ExitCodes.h"
+#include "cli/KeyRecord.h"
 #include "cli/NearNames.h"
 
 #include <algorithm>
@@ -125,7 +126,9 @@ std::vector<std::shared_ptr<api::Subsystem>> SubsystemsNamed(Session& session, c
                                   (near.empty() ? "" : ", " + near) + "\nit has: " + list);
 }
 
-std::string KeyNumber(const api::Metadata& key) { return Hex(static_cast<std::uint32_t>(key.Psid()), 4); }
+std::string KeyNumber(std::uint32_t number) { return Hex(number, 4); }
+
+std::string KeyNumber(const api::Metadata& key) { return KeyNumber(static_cast<std::uint32_t>(key.Psid())); }
 
 std::string IndexSuffix(const api::Metadata& key) {
     std::string suffix;
@@ -133,19 +136,30 @@ std::string IndexSuffix(const api::Metadata& key) {
     return suffix;
 }
 
-std::string TypeText(const api::Metadata& key) {
-    const std::string format = Text(key.Format());
-    std::string text = SimpleTypeName(key.SimpleType());
-    if (key.SimpleType() == api::SimpleElementTypes::String) {
-        text = format == FORMAT_UNICODE ? "text" : format == FORMAT_MAC ? "MAC address" : "octets";
-    }
+std::string TypeWord(const api::Metadata& key) {
     if (key.MetadataType() != api::MetadataTypes::Simple && key.Details()) {
-        text = key.MetadataType() == api::MetadataTypes::Enum ? "enum " : "struct ";
-        text += Text(key.Details()->EnumStructTypeName());
+        return key.MetadataType() == api::MetadataTypes::Enum ? "enum" : "struct";
     }
-    if (!key.IsArray()) return text;
-    const std::string least = std::to_string(key.ArrayMinLength());
-    const std::string most = std::to_string(key.ArrayMaxLength());
+    if (key.SimpleType() != api::SimpleElementTypes::String) return SimpleTypeName(key.SimpleType());
+    const std::string format = Text(key.Format());
+    return format == FORMAT_UNICODE ? "text" : format == FORMAT_MAC ? "MAC address" : "octets";
+}
+
+std::string TypeText(const api::Metadata& key) {
+    Json record;
+    AddType(record, key);
+    return TypeText(record);
+}
+
+std::string TypeText(const Json& record) {
+    std::string text = record.at("type").get<std::string>();
+    if (const auto name = record.find("type_name"); name != record.end()) {
+        text += " " + name->get<std::string>();
+    }
+    const auto array = record.find("array");
+    if (array == record.end()) return text;
+    const std::string least = array->at("minimum").dump();
+    const std::string most = array->at("maximum").dump();
     return text + " [" + (least == most ? most : least + ".." + most) + "]";
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/Json.h"
 #include "cli/Session.h"
 #include "metadata/Metadata.h"
 
@@ -17,13 +18,21 @@ std::vector<std::shared_ptr<api::Subsystem>> SubsystemsNamed(Session& session, c
                                                              const std::string& name);
 
 /// "0x1234", with four digits at least.
+std::string KeyNumber(std::uint32_t number);
 std::string KeyNumber(const api::Metadata& key);
 
 /// ".CHANNEL.MODE" for a key with indexes of these names.
 std::string IndexSuffix(const api::Metadata& key);
 
+/// "uint8", "enum", "text", ...: the type without its name and its lengths. The details of the key must have
+/// been asked for.
+std::string TypeWord(const api::Metadata& key);
+
 /// "uint8 [1..4]", "enum tx_mode", "text", ... The details of the key must have been asked for.
 std::string TypeText(const api::Metadata& key);
+
+/// The same for a JSON record of a key or field.
+std::string TypeText(const Json& record);
 
 /// Whether a field is an integer of its own number of bits, and not of the width of a type.
 bool IsBitField(const api::StructField& field);

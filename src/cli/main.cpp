@@ -1,10 +1,14 @@
+#include "cli/Complete.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
+#include "cli/Help.h"
+#include "cli/ManPages.h"
 #include "cli/NearNames.h"
 
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,8 +17,8 @@ namespace {
 using namespace kes::cli;
 
 /// The commands in the order of the help.
-constexpr void (*COMMANDS[])(CLI::App&, Globals&) = {AddCheck, AddRewrite,  AddChips,   AddSubsystems,
-                                                     AddKeys,  AddDescribe, AddMetadata};
+constexpr void (*COMMANDS[])(CLI::App&, Globals&) = {
+    AddCheck, AddRewrite, AddChips, AddSubsystems, AddKeys, AddDescribe, AddMetadata, AddCompletion, AddHelp};
 
 /// What is wrong with the command line. A word that is no command tells more than that one is missing.
 std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {
@@ -33,17 +37,40 @@ std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {
     return "unknown command \"" + extras.front() + "\"" + (near.empty() ? "" : ", " + near) + hint;
 }
 
-int Run(int argc, char** argv) {
-    Globals globals = DefaultGlobals();
-    CLI::App app("Checks and explains the configuration texts of chips with several subsystems.", "kes");
+std::string ExitCodeLine() {
+    std::string line = "Exit codes:";
+    for (const auto& [code, meaning] : EXIT_CODES) {
+        line += (code == EXIT_FINE ? " " : "; ") + std::to_string(code) + " " + meaning;
+    }
+    return line + ".";
+}
+
+void AddAll(CLI::App& app, Globals& globals) {
+    app.formatter(std::make_shared<HelpFormatter>());
     app.set_version_flag("--version", std::string("kes ") + KES_VERSION);
-    app.add_flag("--no-color", globals.noColor, "No colour in messages (environment: NO_COLOR)");
+    app.add_flag(
+        "--no-color", globals.noColor,
+        "No colour in messages (environment: NO_COLOR; CLICOLOR_FORCE=1 asks for colour where there is no "
+        "terminal)");
     app.require_subcommand(1);
     app.fallthrough();
-    app.footer(
-        "`kes COMMAND --help` tells more of a command.\n"
-        "Exit codes: 0 fine, 1 the input has errors, 2 wrong usage, 3 a file, database or plug-in failed.");
+    app.footer("`kes help COMMAND` tells more of a command.\n" + ExitCodeLine());
+    AddExamples(app, {{"kes check board.ktf", "Say what is wrong with a text"},
+                      {"kes keys antenna", "Look for keys"},
+                      {"kes describe tx_power_limit", "Tell all that is known of a key"}});
     for (const auto add : COMMANDS) add(app, globals);
+}
+
+int Run(int argc, char** argv) {
+    const std::vector<std::string> words(argv + 1, argv + argc);
+    Globals globals = DefaultGlobals();
+    CLI::App app("Checks and explains the configuration texts of chips with several subsystems.", "kes");
+    AddAll(app, globals);
+    // Two commands for scripts only: they look at the definitions and are none themselves.
+    if (words.size() > 1 && words[0] == "__complete") {
+        return Complete(app, globals, {words.begin() + (words[1] == "--" ? 2 : 1), words.end()});
+    }
+    if (words.size() == 2 && words[0] == "__man") return WriteManPages(app, words[1]);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
