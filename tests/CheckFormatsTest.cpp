@@ -85,6 +85,9 @@ TEST(CheckFormats, NotesHelp) {
         {"max_acl_links = 9", ""},
         {"link_policy = 70000",
          "link_policy takes one of HOLD, NONE, ROLE_SWITCH, ROLE_SWITCH_AND_SNIFF, SNIFF"},
+        {"packet_types = 0x12345",
+         "packet_types takes one of DH1, DH3, DH5, DM1, DM3, DM5, EDR2_1, EDR2_3, ... (12 in all; kes "
+         "describe packet_types)"},
         {"link_policy = SNIF", "did you mean SNIFF?"},
         {"link_policy = QQQ", ""},
         {"sniff_params = {70000, 400, 4, 1}",
@@ -123,6 +126,7 @@ TEST(CheckFormats, FixesMendTheLine) {
     } rows[] = {
         {"\tmax_acl_link = 5", "\tmax_acl_links = 5"},
         {"bt2.max_acl_link = 5", "bt2.max_acl_links = 5"},
+        {"/*\nmax_acl_link */ max_acl_link = 5", ""},
         {"link_policy = SNIF # SNIF", "link_policy = SNIFF # SNIF"},
         {"rate_limits = {{BAND_2G4, 0, 7, 1, MHZ_20}, {BAND_5G, 0, 9, 2, MHZ_4}}", ""},
         {"sco_config = {AUDIO_SUBSYSTEM, CVS, 0, 0}", "sco_config = {AUDIO_SUBSYSTEM, CVSD, 0, 0}"},

@@ -115,6 +115,7 @@ bool StartWorker(std::vector<Worker>& workers, const std::function<void(const Ch
 
 std::size_t WaitForWorker(const std::vector<Worker>& workers) {
     std::vector<pollfd> watched;
+    watched.reserve(workers.size());
     for (const Worker& worker : workers) watched.push_back({worker.channel.Descriptor(), POLLIN, 0});
     while (poll(watched.data(), watched.size(), -1) < 0 && errno == EINTR) {
     }
@@ -130,7 +131,7 @@ std::string EndWorker(std::vector<Worker>& workers, std::size_t number) {
     }
     if (!WIFSIGNALED(status)) return "ended with exit code " + std::to_string(WEXITSTATUS(status));
     const int signal = WTERMSIG(status);
-    return "was ended by signal " + std::to_string(signal) + " (" + sigdescr_np(signal) + ")";
+    return "was ended by signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";
 }
 
 }  // namespace kes::cli
