@@ -86,7 +86,8 @@ TEST(CheckFormats, NotesHelp) {
         {"link_policy = 70000",
          "link_policy takes one of HOLD, NONE, ROLE_SWITCH, ROLE_SWITCH_AND_SNIFF, SNIFF"},
         {"packet_types = 0x12345",
-         "packet_types takes one of DH1, DH3, DH5, DM1, DM3, DM5, EDR2_1, EDR2_3, ... (12 in all; kes "
+         "packet_types takes 1 to 12 items in braces, each one of DH1, DH3, DH5, DM1, DM3, DM5, EDR2_1, "
+         "EDR2_3, ... (12 in all; kes "
          "describe packet_types)"},
         {"link_policy = SNIF", "did you mean SNIFF?"},
         {"link_policy = QQQ", ""},

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -9,6 +10,7 @@
 #include <filesystem>
 #include <poll.h>
 #include <sched.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/types.h>
 #include <sys/wait.h>
@@ -103,6 +105,8 @@ bool StartWorker(std::vector<Worker>& workers, const std::function<void(const Ch
     const pid_t process = fork();
     if (process < 0) return false;
     if (process == 0) {
+        // Nobody waits for a child whose parent was stopped.
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         workers.clear();
         { const Channel closed(std::move(ours)); }
         body(theirs);
