@@ -29,6 +29,24 @@ TEST(ReadPass, MessagesSumUpAllErrors) {
     EXPECT_EQ(slashed, "0  / " + line3 + " /  / 1 error found");
 }
 
+TEST(ReadPass, ReportsProgressNowAndThen) {
+    struct Watcher final : CMessageHandlerObserver {
+        Watcher() { CTheMsgHnd::AddObserver(*this); }
+        ~Watcher() override { CTheMsgHnd::RemoveObserver(*this); }
+        void OnProgress(std::uint64_t bytes) override { seen.push_back(bytes); }
+        std::vector<std::uint64_t> seen;
+    } watcher;
+    constexpr std::size_t MIB = std::size_t{1} << 20U;
+    std::string text = "file=bt\n";
+    while (text.size() < 3 * MIB + 100) text += "u8 = 1\nnobody = 1 # with its comment\n";
+    Read(text);
+    ASSERT_EQ(watcher.seen.size(), 3U);
+    for (std::size_t i = 0; i < 3; ++i) {
+        EXPECT_GE(watcher.seen[i], (i + 1) * MIB);
+        EXPECT_LT(watcher.seen[i], (i + 1) * MIB + 200);
+    }
+}
+
 TEST(ReadPass, NoKeyLineIsAReportAndNoError) {
     const struct {
         std::string text;

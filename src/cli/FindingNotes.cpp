@@ -207,7 +207,9 @@ void FindingNotes::AddPlace(const api::Chip& chip, const TextFinding& said, std:
         for (const auto& subsystem : mSession.Subsystems(chip)) {
             // The text format has no word for it.
             if (subsystem->Type() == api::SUBSYSTEM_TYPE_GNSS) continue;
-            names.push_back(Text(subsystem->Name()));
+            if (const std::string name = Text(subsystem->Name()); std::ranges::count(names, name) == 0) {
+                names.push_back(name);
+            }
             if (!Text(subsystem->Alias()).empty()) aliases.push_back(Text(subsystem->Alias()));
         }
     } else {

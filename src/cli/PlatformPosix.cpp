@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -9,6 +10,7 @@
 #include <filesystem>
 #include <poll.h>
 #include <sched.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/types.h>
 #include <sys/wait.h>
@@ -103,6 +105,8 @@ bool StartWorker(std::vector<Worker>& workers, const std::function<void(const Ch
     const pid_t process = fork();
     if (process < 0) return false;
     if (process == 0) {
+        // Nobody waits for a child whose parent was stopped.
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         workers.clear();
         { const Channel closed(std::move(ours)); }
         body(theirs);
@@ -115,6 +119,7 @@ bool StartWorker(std::vector<Worker>& workers, const std::function<void(const Ch
 
 std::size_t WaitForWorker(const std::vector<Worker>& workers) {
     std::vector<pollfd> watched;
+    watched.reserve(workers.size());
     for (const Worker& worker : workers) watched.push_back({worker.channel.Descriptor(), POLLIN, 0});
     while (poll(watched.data(), watched.size(), -1) < 0 && errno == EINTR) {
     }
@@ -130,7 +135,7 @@ std::string EndWorker(std::vector<Worker>& workers, std::size_t number) {
     }
     if (!WIFSIGNALED(status)) return "ended with exit code " + std::to_string(WEXITSTATUS(status));
     const int signal = WTERMSIG(status);
-    return "was ended by signal " + std::to_string(signal) + " (" + sigdescr_np(signal) + ")";
+    return "was ended by signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";
 }
 
 }  // namespace kes::cli

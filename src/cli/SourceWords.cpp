@@ -37,9 +37,13 @@ std::uint32_t ToCharacter(std::string_view line, std::uint32_t column) {
 
 std::optional<SourceWord> FindKeyWord(std::string_view line, std::string_view key, std::uint32_t end) {
     const std::string_view text = Before(line, end);
+    // Nothing but indexes stands between a key and the equal sign; a word of a comment has something else.
     const auto standsAt = [&](std::size_t at) {
-        return text.substr(at).starts_with(key) &&
-               (at + key.size() == line.size() || !IsNameChar(line[at + key.size()]));
+        if (!text.substr(at).starts_with(key)) return false;
+        const std::string_view behind = line.substr(at + key.size());
+        if (!behind.empty() && IsNameChar(behind.front())) return false;
+        const std::size_t equal = behind.find_first_not_of(".0123456789 \t");
+        return equal != std::string_view::npos && behind[equal] == '=';
     };
     const std::size_t start = text.find_first_not_of(BLANKS);
     if (key.empty() || start == std::string_view::npos) return std::nullopt;
