@@ -8,9 +8,7 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,11 +25,6 @@ struct RewriteOptions {
     bool simple = false;
     bool dropComments = false;
 };
-
-std::string ReadWhole(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 /// Rewrites one text. What was written is read back and compared before anybody sees it.
 class Rewriter {

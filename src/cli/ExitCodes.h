@@ -8,9 +8,10 @@ namespace kes::cli {
 /// What the command ends with. The numbers are part of its interface.
 enum ExitCode : int {
     EXIT_FINE = 0,
-    EXIT_FINDINGS = 1,  ///< the input has errors
+    EXIT_FINDINGS = 1,  ///< the input has errors, two texts differ, or what was asked for is not there
     EXIT_USAGE = 2,     ///< the command was called wrongly
-    EXIT_SYSTEM = 3     ///< a file, database or plug-in failed
+    EXIT_SYSTEM = 3,    ///< a file, database or plug-in failed
+    EXIT_EMPTY = 4      ///< a key that was asked for is there, but empty
 };
 
 /// Ends the command with a message and an exit code.

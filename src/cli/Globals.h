@@ -30,6 +30,15 @@ void AddDatabaseOptions(CLI::App& command, Globals& globals, bool withChip);
 
 // Each adds one command, with its options and its help.
 void AddCheck(CLI::App& app, Globals& globals);
+void AddGet(CLI::App& app, Globals& globals);
+void AddSet(CLI::App& app, Globals& globals);
+void AddAdd(CLI::App& app, Globals& globals);
+void AddUnset(CLI::App& app, Globals& globals);
+void AddList(CLI::App& app, Globals& globals);
+void AddDiff(CLI::App& app, Globals& globals);
+void AddDefaults(CLI::App& app, Globals& globals);
+void AddStores(CLI::App& app, Globals& globals);
+void AddRaw(CLI::App& app, Globals& globals);
 void AddChips(CLI::App& app, Globals& globals);
 void AddSubsystems(CLI::App& app, Globals& globals);
 void AddKeys(CLI::App& app, Globals& globals);

@@ -41,9 +41,10 @@ struct ExitCodeMeaning {
 };
 inline constexpr ExitCodeMeaning EXIT_CODES[] = {
     {EXIT_FINE, "fine"},
-    {EXIT_FINDINGS, "the input has errors, or what was looked for is not there"},
+    {EXIT_FINDINGS, "the input has errors, two texts differ, or what was looked for is not there"},
     {EXIT_USAGE, "wrong usage: an unknown command, option, chip or subsystem"},
     {EXIT_SYSTEM, "the system failed: a file, the database, a plug-in, standard output"},
+    {EXIT_EMPTY, "a key that was asked for is there, but empty"},
 };
 
 /// "kes metadata build": the command as it is typed.

@@ -3,6 +3,7 @@
 #include "cli/ExitCodes.h"
 #include "cli/KeyRecord.h"
 #include "cli/NearNames.h"
+#include "util/misc/ignorecase.h"
 
 #include <algorithm>
 #include <cctype>
@@ -16,11 +17,6 @@ constexpr const char* FORMAT_HEXADECIMAL = "hexadecimal";
 constexpr const char* FORMAT_UNSIGNED = "unsigned_decimal";
 constexpr const char* FORMAT_UNICODE = "unicode_string";
 constexpr const char* FORMAT_MAC = "mac_addr";
-
-bool EqualsIgnoringCase(const std::string& left, const std::string& right) {
-    return std::ranges::equal(
-        left, right, [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
-}
 
 const char* SimpleTypeName(api::SimpleElementTypes type) {
     using enum api::SimpleElementTypes;
@@ -113,8 +109,8 @@ std::vector<std::shared_ptr<api::Subsystem>> SubsystemsNamed(Session& session, c
     if (name.empty()) return all;
     std::vector<std::string> names;
     for (const auto& subsystem : all) {
-        if (EqualsIgnoringCase(name, Text(subsystem->Name())) ||
-            EqualsIgnoringCase(name, Text(subsystem->Alias()))) {
+        if (VemoKesConfigTools::EqualsIgnoringCase(name, Text(subsystem->Name())) ||
+            VemoKesConfigTools::EqualsIgnoringCase(name, Text(subsystem->Alias()))) {
             return {subsystem};
         }
         names.push_back(Text(subsystem->Name()));

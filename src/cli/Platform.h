@@ -13,11 +13,16 @@ std::string ExecutablePath();
 /// Whether standard error is a terminal.
 bool ErrorsGoToTerminal();
 
-/// Brings a written file to the disk, then gives it its final name in one step. False with `errno` set.
+/// Brings a written file to the disk, then gives it its final name in one step, and brings that to the disk.
+/// False with `errno` set, and the old name kept.
 bool SyncAndRename(const std::string& from, const std::string& to);
 
 /// A name beside `path` that no other process uses.
 std::string TemporaryBeside(const std::string& path);
+
+/// Makes an empty file of a new name in the folder for temporary files, which nobody else can open. Empty
+/// with `errno` set when that fails.
+std::string CreateScratchFile();
 
 /// The number of processors that this process may use, at least 1.
 std::size_t ProcessorCount();

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -27,11 +28,32 @@ std::string ExecutablePath() {
 
 bool ErrorsGoToTerminal() { return isatty(STDERR_FILENO) == 1; }
 
-bool SyncAndRename(const std::string& from, const std::string& to) {
-    const int file = open(from.c_str(), O_RDONLY | O_CLOEXEC);
+namespace {
+
+bool Sync(const std::string& path) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) return false;
     const bool synced = fsync(file) == 0;
-    return close(file) == 0 && synced && std::rename(from.c_str(), to.c_str()) == 0;
+    return close(file) == 0 && synced;
+}
+
+}  // namespace
+
+bool SyncAndRename(const std::string& from, const std::string& to) {
+    if (!Sync(from) || std::rename(from.c_str(), to.c_str()) != 0) return false;
+    // Not every file system lets a folder be synced; the file itself is whole in any case.
+    const std::string folder = std::filesystem::path(to).parent_path().string();
+    static_cast<void>(Sync(folder.empty() ? "." : folder));
+    return true;
+}
+
+std::string CreateScratchFile() {
+    std::error_code failed;
+    std::string path = (std::filesystem::temp_directory_path(failed) / "kes-XXXXXX").string();
+    const int file = mkstemp(path.data());
+    if (file < 0) return {};
+    close(file);
+    return path;
 }
 
 std::string TemporaryBeside(const std::string& path) { return path + ".tmp" + std::to_string(getpid()); }

@@ -83,6 +83,18 @@ std::vector<std::shared_ptr<api::Metadata>> Session::Keys(const api::Chip& chip,
     return keys;
 }
 
+std::shared_ptr<api::Metadata> Session::FindKey(const api::Chip& chip, const api::Subsystem& subsystem,
+                                                const std::string& name,
+                                                std::optional<std::uint32_t> number) {
+    // Questions about keys fail while any error is stored, that of a text for one.
+    ClearErrors();
+    const auto key = number ? mMetadata->GetMetadataByPsid(chip.SystemVersionLabel(), subsystem.Type(),
+                                                           static_cast<std::int32_t>(*number))
+                            : mMetadata->GetMetadataByName(chip.SystemVersionLabel(), subsystem.Type(), name);
+    FailOnError();
+    return key;
+}
+
 void Session::LoadDetails(const api::Chip& chip, const std::shared_ptr<api::Subsystem>& subsystem,
                           const std::shared_ptr<api::Metadata>& key) {
     if (key->Details()) return;

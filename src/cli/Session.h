@@ -3,6 +3,7 @@
 #include "cli/Globals.h"
 #include "metadata/NetMetadataProvider.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,6 +33,9 @@ public:
     std::vector<std::shared_ptr<api::Subsystem>> Subsystems(const api::Chip& chip);
     /// The keys of a subsystem, by number.
     std::vector<std::shared_ptr<api::Metadata>> Keys(const api::Chip& chip, const api::Subsystem& subsystem);
+    /// The key of this number, or of this name without one; null when the subsystem has none.
+    std::shared_ptr<api::Metadata> FindKey(const api::Chip& chip, const api::Subsystem& subsystem,
+                                           const std::string& name, std::optional<std::uint32_t> number);
     /// Completes the record of a key with its enumerators and fields, unless it has them.
     void LoadDetails(const api::Chip& chip, const std::shared_ptr<api::Subsystem>& subsystem,
                      const std::shared_ptr<api::Metadata>& key);

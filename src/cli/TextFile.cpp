@@ -1,7 +1,6 @@
 #include "cli/TextFile.h"
 
 #include "cli/ExitCodes.h"
-#include "cli/Platform.h"
 
 #include <algorithm>
 #include <cctype>
@@ -10,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <string_view>
 
 namespace kes::cli {
@@ -51,20 +51,26 @@ std::string FindVersion(std::istream& text) {
 
 }  // namespace
 
+std::string ReadWhole(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 TextFile::TextFile(const std::string& name) : mName(name), mPath(name) {
     if (name == "-") {
         mName = "<stdin>";
-        std::error_code failed;
-        mTemporary = TemporaryBeside((fs::temp_directory_path(failed) / "kes-stdin").string());
-        std::ofstream copy(mTemporary, std::ios::binary);
-        if (std::cin.peek() != std::char_traits<char>::eof()) copy << std::cin.rdbuf();
-        copy.close();
-        mPath = mTemporary;
-        if (!copy) {
-            fs::remove(mTemporary, failed);
-            throw Failure(EXIT_SYSTEM, "cannot keep standard input in " + mTemporary);
-        }
+        const std::string content{std::istreambuf_iterator<char>(std::cin), {}};
+        mPath = mScratch.emplace(content).Path();
     }
+    Open();
+}
+
+TextFile::TextFile(const std::string& name, const std::string& content) : mName(name) {
+    mPath = mScratch.emplace(content).Path();
+    Open();
+}
+
+void TextFile::Open() {
     std::error_code failed;
     if (fs::is_directory(mPath, failed)) throw Failure(EXIT_SYSTEM, "is a directory");
     std::ifstream file(mPath, std::ios::binary);
@@ -77,11 +83,6 @@ std::uint64_t TextFile::SizeOf(const std::string& path) {
     std::error_code failed;
     const std::uintmax_t size = fs::file_size(path, failed);
     return failed ? 0 : size;
-}
-
-TextFile::~TextFile() {
-    std::error_code ignored;
-    if (!mTemporary.empty()) fs::remove(mTemporary, ignored);
 }
 
 }  // namespace kes::cli

@@ -1,18 +1,26 @@
 #pragma once
 
+#include "cli/Scratch.h"
+
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace kes::cli {
+
+/// The bytes of a file; what can be read of them.
+std::string ReadWhole(const std::string& path);
 
 /// A configuration text as the command was given it: a file, or "-" for standard input, which is kept in a
 /// temporary file. Throws `Failure` when it cannot be read.
 class TextFile {
 public:
     explicit TextFile(const std::string& name);
+    /// A text that is not there yet, with what it is to begin with.
+    TextFile(const std::string& name, const std::string& content);
     TextFile(const TextFile&) = delete;
     TextFile& operator=(const TextFile&) = delete;
-    ~TextFile();
+    ~TextFile() = default;
 
     /// How messages name it.
     const std::string& Name() const { return mName; }
@@ -26,9 +34,11 @@ public:
     const std::string& Version() const { return mVersion; }
 
 private:
+    void Open();
+
     std::string mName;
+    std::optional<Scratch> mScratch;  ///< of a text that is no file of the user's
     std::string mPath;
-    std::string mTemporary;  ///< to be removed; empty for a file of the user's
     std::string mVersion;
     bool mIsEmpty = false;
 };

@@ -4,6 +4,7 @@
 #include "cli/ProgressBar.h"
 #include "cli/SourceLines.h"
 #include "cli/SourceWords.h"
+#include "facade/Framework.h"
 
 #include <utility>
 
@@ -21,11 +22,48 @@ TextLoader::TextLoader(const Globals& globals)
 }
 
 ExitCode TextLoader::Load(const TextFile& file) {
-    ProgressBar bar(file.Size());
-    const TextReport report = Read(file, [&](std::uint64_t bytes) { bar.Show(bytes); });
-    bar.Erase();
+    const TextReport report = ReadWithBar(file);
     PrintMessages(report, mDiagnostics);
     return report.exit;
+}
+
+ExitCode TextLoader::LoadWhatIsGood(const TextFile& file) {
+    TextReport report = ReadWithBar(file);
+    if (report.exit != EXIT_FINDINGS) {
+        PrintMessages(report, mDiagnostics);
+        return report.exit;
+    }
+    for (Finding& finding : report.findings) finding.severity = "warning";
+    const std::size_t count = report.findings.size();
+    if (count != 0) {
+        report.notes.push_back("the rest of the text is used; " + std::to_string(count) +
+                               (count == 1 ? " line was" : " lines were") + " left out");
+    }
+    PrintMessages(report, mDiagnostics);
+    return EXIT_FINE;
+}
+
+TextReport TextLoader::ReadWithBar(const TextFile& file) {
+    ProgressBar bar(file.Size());
+    TextReport report = Read(file, [&](std::uint64_t bytes) { bar.Show(bytes); });
+    bar.Erase();
+    return report;
+}
+
+void TextLoader::LoadDefaults(const std::vector<std::shared_ptr<api::Subsystem>>& subsystems) {
+    for (const auto& subsystem : subsystems) {
+        if (mFacade.LoadDefaults(subsystem)) continue;
+        api::HostString message;
+        api::Framework::GetLastError(message);
+        throw Failure(EXIT_SYSTEM, "default values of " + Text(subsystem->Name()) + ": " + Text(message));
+    }
+}
+
+std::vector<std::string> TextLoader::NotesOn(const TextFinding& said) {
+    Finding finding;
+    finding.code = said.code;
+    mNotes.Add(*mChip, said, {}, finding);
+    return finding.notes;
 }
 
 TextReport TextLoader::Read(const TextFile& file, std::function<void(std::uint64_t)> progress) {

@@ -18,7 +18,9 @@ using namespace kes::cli;
 
 /// The commands in the order of the help.
 constexpr void (*COMMANDS[])(CLI::App&, Globals&) = {
-    AddCheck, AddRewrite, AddChips, AddSubsystems, AddKeys, AddDescribe, AddMetadata, AddCompletion, AddHelp};
+    AddCheck,      AddGet,     AddSet,      AddAdd,      AddUnset,      AddList,
+    AddDiff,       AddRewrite, AddDefaults, AddStores,   AddRaw,        AddChips,
+    AddSubsystems, AddKeys,    AddDescribe, AddMetadata, AddCompletion, AddHelp};
 
 /// What is wrong with the command line. A word that is no command tells more than that one is missing.
 std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {
@@ -56,6 +58,8 @@ void AddAll(CLI::App& app, Globals& globals) {
     app.fallthrough();
     app.footer("`kes help COMMAND` tells more of a command.\n" + ExitCodeLine());
     AddExamples(app, {{"kes check board.ktf", "Say what is wrong with a text"},
+                      {"kes set board.ktf max_acl_links 3", "Change a key, and nothing else"},
+                      {"kes list board.ktf --changed", "What is not at its default"},
                       {"kes keys antenna", "Look for keys"},
                       {"kes describe tx_power_limit", "Tell all that is known of a key"}});
     for (const auto add : COMMANDS) add(app, globals);
@@ -64,7 +68,9 @@ void AddAll(CLI::App& app, Globals& globals) {
 int Run(int argc, char** argv) {
     const std::vector<std::string> words(argv + 1, argv + argc);
     Globals globals = DefaultGlobals();
-    CLI::App app("Checks and explains the configuration texts of chips with several subsystems.", "kes");
+    CLI::App app(
+        "Checks, changes, compares and explains the configuration texts of chips with several subsystems.",
+        "kes");
     AddAll(app, globals);
     // Two commands for scripts only: they look at the definitions and are none themselves.
     if (words.size() > 1 && words[0] == "__complete") {

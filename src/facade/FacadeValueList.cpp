@@ -28,31 +28,31 @@ HostString FrameworkFacade::LineValueOf(CElement& element, CKesContext& context)
     return text.substr(from, text.find_last_not_of('\n') + 1 - from);
 }
 
+std::shared_ptr<KeyValue> FrameworkFacade::ValueOf(const CSubsystemConfig& place, CElement& element) {
+    CKesContext context = place.Place();
+    context.SetTag(STR_TXT_SIMPLE_MODE, STR_TRUE);
+    CKesContext question;
+    question.SetSubsystemType(context.SubsystemType());
+    question.SetLayerNumber(LayerIndexVals::Defaults);
+    question.SetTag(STR_LAYER_FILTER, LayerIndexVals::Maximum);
+    const CElement& byDefault = mpDefaultChip->Element(element.KeyString(), question);
+    const IMetadata& metadata = mpProvider->MetadataByPsid(element.PsId(), context, false);
+    HostString value = LineValueOf(element, context);
+    HostString defaultValue;
+    if (byDefault.IsValid()) defaultValue = LineValueOf(const_cast<CElement&>(byDefault), context);
+    const bool isDefault = byDefault.IsValid() && value == defaultValue;
+    const auto indices = element.Indices();
+    return std::make_shared<KeyValue>(static_cast<SubsystemTypes>(context.SubsystemType()), context.Device(),
+                                      context.Store(), static_cast<std::int32_t>(element.PsId()),
+                                      metadata.IsValid() ? HostString(metadata.Name()) : HostString(),
+                                      KeyValue::IndexList(indices.begin(), indices.end()), std::move(value),
+                                      std::move(defaultValue), isDefault);
+}
+
 HostListRef<std::shared_ptr<KeyValue>> FrameworkFacade::ValuesOf(const CChipConfig& chip) {
     auto list = std::make_shared<std::vector<std::shared_ptr<KeyValue>>>();
     for (const auto& [number, place] : chip.Subsystems()) {
-        CKesContext context = place->Place();
-        context.SetTag(STR_TXT_SIMPLE_MODE, STR_TRUE);
-        CKesContext question = context;
-        question.SetTag(STR_DEVICE);
-        question.SetTag(STR_STORE);
-        question.SetLayerNumber(LayerIndexVals::Defaults);
-        question.SetTag(STR_LAYER_FILTER, LayerIndexVals::Maximum);
-        for (CElement* element : place->Elements()) {
-            const CElement& byDefault = mpDefaultChip->Element(element->KeyString(), question);
-            const IMetadata& metadata = mpProvider->MetadataByPsid(element->PsId(), context, false);
-            HostString value = LineValueOf(*element, context);
-            HostString defaultValue;
-            if (byDefault.IsValid()) defaultValue = LineValueOf(const_cast<CElement&>(byDefault), context);
-            const bool isDefault = byDefault.IsValid() && value == defaultValue;
-            const auto indices = element->Indices();
-            list->push_back(std::make_shared<KeyValue>(
-                static_cast<SubsystemTypes>(context.SubsystemType()), context.Device(), context.Store(),
-                static_cast<std::int32_t>(element->PsId()),
-                metadata.IsValid() ? HostString(metadata.Name()) : HostString(),
-                KeyValue::IndexList(indices.begin(), indices.end()), std::move(value),
-                std::move(defaultValue), isDefault));
-        }
+        for (CElement* element : place->Elements()) list->push_back(ValueOf(*place, *element));
     }
     return list;
 }
@@ -60,6 +60,20 @@ HostListRef<std::shared_ptr<KeyValue>> FrameworkFacade::ValuesOf(const CChipConf
 HostListRef<std::shared_ptr<KeyValue>> FrameworkFacade::GetValues() {
     if (!CanWrite(KES_FACADE_FUNCTION("GetValues"))) return nullptr;
     return ValuesOf(*mpFileChip);
+}
+
+HostListRef<std::shared_ptr<KeyValue>> FrameworkFacade::GetValues(const SubsystemRef& subsystem,
+                                                                  std::int32_t psId,
+                                                                  const IndexListRef& indexes) {
+    if (!CanWrite(KES_FACADE_FUNCTION("GetValues"))) return nullptr;
+    auto list = std::make_shared<std::vector<std::shared_ptr<KeyValue>>>();
+    const std::vector<std::uint32_t> indices(indexes.begin(), indexes.end());
+    for (const auto& [number, place] : mpFileChip->Subsystems()) {
+        if (!subsystem || place->Place().SubsystemType() != subsystem->Type()) continue;
+        CElement* element = place->Find(static_cast<std::uint32_t>(psId), indices);
+        if (element != nullptr) list->push_back(ValueOf(*place, *element));
+    }
+    return list;
 }
 
 HostListRef<std::shared_ptr<KeyValue>> FrameworkFacade::GetDefaultValues() {

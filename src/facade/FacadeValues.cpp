@@ -126,8 +126,7 @@ bool FrameworkFacade::SetAddValue(const SubsystemRef& subsystem, std::int32_t ps
 bool FrameworkFacade::RemoveValue(const SubsystemRef& subsystem, std::int32_t psId,
                                   const IndexListRef& indexes, std::int32_t device, std::int32_t store) {
     if (!mpFileChip || !subsystem) return false;
-    std::vector<std::uint32_t> indices;
-    for (const std::int32_t index : indexes) indices.push_back(static_cast<std::uint32_t>(index));
+    const std::vector<std::uint32_t> indices(indexes.begin(), indexes.end());
     bool removed = false;
     for (const auto& [number, place] : mpFileChip->Subsystems()) {
         const CKesContext& where = place->Place();

@@ -18,6 +18,7 @@ namespace VemoKesConfigTools {
 class CChipConfig;
 class CElement;
 class CKesContext;
+class CSubsystemConfig;
 class IConfigReader;
 class IConfigWriter;
 class IMetadataProvider;
@@ -115,6 +116,10 @@ public:
                      std::int32_t device, std::int32_t store);
     /// All keys of the configuration, place by place in their order. Null once the facade is released.
     HostListRef<std::shared_ptr<KeyValue>> GetValues();
+    /// One key as each place holds it, the newest where there are several. Empty when it is nowhere, null
+    /// once the facade is released.
+    HostListRef<std::shared_ptr<KeyValue>> GetValues(const SubsystemRef& subsystem, std::int32_t psId,
+                                                     const IndexListRef& indexes);
 
     // Default values, which are kept apart from the configuration. They come from the database, or from a
     // device, whose defaults go first. None of these operations clears an error.
@@ -156,6 +161,8 @@ private:
     VemoKesConfigTools::CKesContext QuestionContext(const Subsystem& subsystem, std::int32_t layer) const;
     HostString TextOf(const VemoKesConfigTools::CElement& element, VemoKesConfigTools::CKesContext& context);
     HostString LineValueOf(VemoKesConfigTools::CElement& element, VemoKesConfigTools::CKesContext& context);
+    std::shared_ptr<KeyValue> ValueOf(const VemoKesConfigTools::CSubsystemConfig& place,
+                                      VemoKesConfigTools::CElement& element);
     HostListRef<std::shared_ptr<KeyValue>> ValuesOf(const VemoKesConfigTools::CChipConfig& chip);
     void EmptyBuffer();
     bool FillBuffer(const std::string& path);

@@ -3,6 +3,7 @@
 #include "metadb/JsonTree.h"
 #include "metadb/SourceNodes.h"
 #include "model/SubsystemNames.h"
+#include "util/misc/ignorecase.h"
 
 #include <algorithm>
 #include <array>
@@ -49,11 +50,6 @@ std::string ListOf(const auto& words) {
         list += (list.empty() ? "\"" : ", \"") + std::string(word) + "\"";
     }
     return list;
-}
-
-bool EqualsIgnoringCase(std::string_view left, std::string_view right) {
-    return std::ranges::equal(
-        left, right, [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
 }
 
 /// Whether a default value is one line to the text reader: no line end, no comment outside quotes, and no

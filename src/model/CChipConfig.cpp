@@ -5,9 +5,11 @@
 #include "model/CSubsystemConfig.h"
 #include "model/IConfigReader.h"
 #include "model/IConfigWriter.h"
+#include "model/SubsystemNames.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <typeinfo>
 
 namespace VemoKesConfigTools {
@@ -211,8 +213,10 @@ void CChipConfig::Clear() {
 std::optional<std::string> CChipConfig::FirstDifference(const CChipConfig& other) const {
     const auto describe = [](const CSubsystemConfig& place, const CElement* element) {
         const CKesContext& at = place.Place();
-        std::string text = "subsystem type " + std::to_string(place.Type()) + ", device " +
-                           std::to_string(at.Device()) + ", store " + std::to_string(at.Store());
+        std::string text = place.Type() < std::size(SUBSYSTEM_NAMES)
+                               ? std::string(SUBSYSTEM_NAMES[place.Type()])
+                               : "subsystem type " + std::to_string(place.Type());
+        text += ", device " + std::to_string(at.Device()) + ", store " + std::to_string(at.Store());
         return element == nullptr ? text : text + ": " + element->ToString();
     };
     const auto counterpart = [](const CChipConfig& config, const CSubsystemConfig& place) {

@@ -53,6 +53,7 @@ public:
         }
         tried = mTried;
     }
+    std::size_t LineCount() const { return mIndex.Lines().size(); }
     std::size_t tried = 0;
 
 private:

@@ -8,6 +8,7 @@
 #include "kes/configtools/readerwriters/kestext/common/textparser/COctetString.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/KesTextTrace.h"
 #include "model/CKesContext.h"
+#include "util/misc/ignorecase.h"
 
 #include <memory>
 

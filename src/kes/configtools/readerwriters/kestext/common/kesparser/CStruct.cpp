@@ -5,6 +5,7 @@
 #include "model/IMetadataDetail.h"
 #include "model/Payloads.h"
 #include "model/Words.h"
+#include "util/misc/ignorecase.h"
 
 #include <algorithm>
 #include <array>

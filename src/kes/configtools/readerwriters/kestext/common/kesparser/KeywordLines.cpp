@@ -8,6 +8,7 @@
 #include "model/CStoreInfo.h"
 #include "model/IConfigReaderObserver.h"
 #include "model/ISubsystemInfo.h"
+#include "util/misc/ignorecase.h"
 #include "util/misc/stringutil.h"
 
 #include <utility>

@@ -12,13 +12,15 @@ namespace VemoKesConfigTools {
 
 namespace {
 
-/// Where the next character stands: behind all that the filters take away in front of it.
-std::size_t NextCharacter(CTextReader& source) {
+/// Where the next character stands: behind all that the filters take away in front of it. Its line counts
+/// from 1.
+std::size_t NextCharacter(CTextReader& source, std::uint32_t* line = nullptr) {
     const CTextReader::Position saved = source.GetPosition();
     source.GetChar();
-    const std::size_t offset = source.Eof() ? saved.offset : source.GetPosition().offset - 1;
+    const CTextReader::Position behind = source.GetPosition();
     source.SetPosition(saved);
-    return offset;
+    if (line != nullptr) *line = behind.line + 1;
+    return behind.eof ? saved.offset : behind.offset - 1;
 }
 
 TextPlace PlaceOf(const CKesContext& context) {
@@ -89,7 +91,7 @@ public:
 
     CParserError ParseLine() override {
         TextLine& line = mLines.emplace_back();
-        line.all.begin = NextCharacter(*mpSource);
+        line.all.begin = NextCharacter(*mpSource, &line.number);
         CParserError result = CKesParser::ParseLine();
         line.error = result.mCode;
         if (line.effect != TextLine::Effect::None) {

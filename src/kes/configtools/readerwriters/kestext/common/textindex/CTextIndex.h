@@ -33,10 +33,11 @@ struct TextLine {
         Removes  ///< a key without a value
     };
 
-    TextRange all;    ///< from the first character that is no blank, past the end of the line
-    TextRange key;    ///< name or number with its indexes, without a prefix; empty for other lines
-    TextRange value;  ///< from its first character to its last; empty where there is none
-    TextPlace place;  ///< of the key, or where the keys behind a keyword line lie
+    TextRange all;             ///< from the first character that is no blank, past the end of the line
+    TextRange key;             ///< name or number with its indexes, without a prefix; empty for other lines
+    TextRange value;           ///< from its first character to its last; empty where there is none
+    std::uint32_t number = 0;  ///< of the line that `all` begins in, from 1
+    TextPlace place;           ///< of the key, or where the keys behind a keyword line lie
     std::uint32_t psid = 0;
     std::vector<std::uint32_t> indices;
     std::int32_t error = 0;  ///< the code of what is wrong with the line, 0 for a good one

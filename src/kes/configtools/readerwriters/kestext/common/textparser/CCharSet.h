@@ -23,14 +23,4 @@ inline constexpr CCharSet NAME_CHARS("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOP
 inline constexpr CCharSet KEYWORD_CHARS("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_");
 inline constexpr CCharSet ENUM_CHARS("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_0123456789-");
 
-/// Whether two texts are equal when the case of ASCII letters does not count.
-constexpr bool EqualsIgnoringCase(std::string_view left, std::string_view right) {
-    if (left.size() != right.size()) return false;
-    for (std::size_t i = 0; i < left.size(); ++i) {
-        const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-        if (lower(left[i]) != lower(right[i])) return false;
-    }
-    return true;
-}
-
 }  // namespace VemoKesConfigTools

@@ -5,6 +5,7 @@
 #include "kes/configtools/readerwriters/kestext/common/textparser/ReadNumber.h"
 #include "model/IMetadataDetail.h"
 #include "model/Payloads.h"
+#include "util/misc/ignorecase.h"
 
 #include <algorithm>
 #include <memory>

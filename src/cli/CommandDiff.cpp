@@ -1,0 +1,152 @@
+#include "cli/ExitCodes.h"
+#include "cli/Globals.h"
+#include "cli/Help.h"
+#include "cli/KeyList.h"
+#include "cli/TextLoader.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <optional>
+#include <tuple>
+
+namespace kes::cli {
+
+namespace {
+
+struct DiffOptions {
+    std::vector<std::string> files;
+    PlaceOptions place;
+    bool defaults = false;
+};
+
+using Values = std::vector<std::shared_ptr<api::KeyValue>>;
+
+/// One key that differs; null where a side does not have it.
+struct Difference {
+    std::shared_ptr<api::KeyValue> key;  ///< for its place and name
+    std::optional<std::string> before;
+    std::optional<std::string> after;
+
+    const char* Kind() const {
+        if (!before) return "added";
+        return after ? "changed" : "removed";
+    }
+};
+
+auto Identity(const api::KeyValue& key) {
+    return std::make_tuple(key.SubsystemType(), key.DeviceId(), key.StoreId(), key.Psid(), key.Indexes());
+}
+
+/// In the order of the first list, then what only the second has.
+std::vector<Difference> Compare(const Values& first, const Values& second) {
+    std::map<decltype(Identity(*first.front())), std::shared_ptr<api::KeyValue>> others;
+    for (const auto& key : second) others.insert_or_assign(Identity(*key), key);
+    std::vector<Difference> differences;
+    for (const auto& key : first) {
+        const auto other = others.find(Identity(*key));
+        if (other == others.end()) {
+            differences.push_back({key, Text(key->Value()), std::nullopt});
+            continue;
+        }
+        if (key->Value() != other->second->Value()) {
+            differences.push_back({key, Text(key->Value()), Text(other->second->Value())});
+        }
+        others.erase(other);
+    }
+    for (const auto& key : second) {
+        if (others.contains(Identity(*key))) differences.push_back({key, std::nullopt, Text(key->Value())});
+    }
+    return differences;
+}
+
+std::vector<Difference> CompareWithDefaults(const Values& values) {
+    std::vector<Difference> differences;
+    for (const auto& key : values) {
+        if (key->IsDefault()) continue;
+        std::optional<std::string> before;
+        if (!key->Default().IsNull()) before = Text(key->Default());
+        differences.push_back({key, before, Text(key->Value())});
+    }
+    return differences;
+}
+
+Json ToRecord(const Difference& difference) {
+    const auto orNull = [](const std::optional<std::string>& text) { return text ? Json(*text) : Json(); };
+    Json record = ValueRecord(*difference.key);
+    for (const char* field : {"value", "default", "state"}) record.erase(field);
+    record["change"] = difference.Kind();
+    record["before"] = orNull(difference.before);
+    record["after"] = orNull(difference.after);
+    return record;
+}
+
+void Print(const Difference& difference) {
+    const std::string key = PlaceText(*difference.key) + ": " + KeyText(*difference.key);
+    if (!difference.before) {
+        std::cout << "+ " << key << " = " << *difference.after << '\n';
+    } else if (!difference.after) {
+        std::cout << "- " << key << " = " << *difference.before << '\n';
+    } else {
+        std::cout << "~ " << key << " = " << *difference.before << " -> " << *difference.after << '\n';
+    }
+}
+
+int Run(const Globals& globals, const DiffOptions& options) {
+    if (options.files.size() != (options.defaults ? 1U : 2U)) {
+        throw Failure(EXIT_USAGE, options.defaults ? "--defaults takes one text" : "two texts are compared");
+    }
+    if (!options.defaults && options.files.front() == "-" && options.files.back() == "-") {
+        throw Failure(EXIT_USAGE, "standard input can be given once");
+    }
+    TextLoader loader(globals);
+    std::vector<Values> values;
+    Json document = JsonDocument("diff");
+    document["files"] = options.files;
+    for (const std::string& name : options.files) {
+        const TextFile file(name);
+        if (const ExitCode loaded = loader.LoadWhatIsGood(file); loaded != EXIT_FINE) return loaded;
+        const PlaceFilter filter(loader.Library(), *loader.Chip(), options.place);
+        if (options.defaults) loader.LoadDefaults(filter.Subsystems());
+        values.push_back(ValuesIn(loader.Facade(), filter));
+    }
+    const std::vector<Difference> differences =
+        options.defaults ? CompareWithDefaults(values.front()) : Compare(values.front(), values.back());
+    Json& results = document["results"] = Json::array();
+    for (const Difference& difference : differences) {
+        if (globals.json) {
+            results.push_back(ToRecord(difference));
+        } else {
+            Print(difference);
+        }
+    }
+    if (globals.json) PrintJson(document);
+    return differences.empty() ? EXIT_FINE : EXIT_FINDINGS;
+}
+
+}  // namespace
+
+void AddDiff(CLI::App& app, Globals& globals) {
+    CLI::App* command = app.add_subcommand("diff", "Compare two texts key by key");
+    const auto options = std::make_shared<DiffOptions>();
+    command->add_option("FILE", options->files, "The texts; \"-\" for standard input")->required();
+    command->add_flag("--defaults", options->defaults,
+                      "Compare one text with the default values of its keys");
+    AddPlaceOptions(*command, options->place);
+    AddDatabaseOptions(*command, globals, /*withChip=*/true);
+    AddJsonOption(*command, globals);
+    AddExamples(*command, {{"kes diff old.ktf new.ktf", "What is another key or value in new.ktf"},
+                           {"kes diff --defaults board.ktf", "What is not at its default"}});
+    command->footer(
+        "Keys are compared by place, number and indexes, and by value, whatever their order, layout and "
+        "comments. "
+        "A line begins with \"~\" for another value, \"-\" for a key of the first text only, \"+\" for one "
+        "of the "
+        "second only. Lines with errors are left out, with a warning for each.\n"
+        "Exit code: 0 nothing differs, 1 something does.");
+    command->callback(
+        [&globals, options] { globals.run = [&globals, options] { return Run(globals, *options); }; });
+}
+
+}  // namespace kes::cli

@@ -1,0 +1,188 @@
+// The commands set, add and unset.
+
+#include "cli/ExitCodes.h"
+#include "cli/Globals.h"
+#include "cli/Help.h"
+#include "cli/OutputFile.h"
+#include "cli/Scratch.h"
+#include "cli/TextEditor.h"
+#include "cli/UnifiedDiff.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+
+namespace kes::cli {
+
+namespace {
+
+struct EditOptions {
+    std::string file;
+    std::vector<std::string> words;
+    PlaceOptions place;
+    std::string output;
+    bool dryRun = false;
+    bool create = false;
+};
+
+void CheckValue(const std::string& key, const std::string& value) {
+    if (value.find_first_of(std::string("\r\n\0", 3)) != std::string::npos) {
+        throw Failure(EXIT_USAGE, "the value of " + key + " must be one line");
+    }
+    if (value.ends_with('\\')) {
+        throw Failure(EXIT_USAGE,
+                      "the value of " + key + " must be one line; a backslash at its end joins the next");
+    }
+    if (value.find_first_not_of(" \t") == std::string::npos) {
+        throw Failure(EXIT_USAGE, "the value of " + key +
+                                      " is empty: \"kes unset\" takes a key out; the empty text is '\"\"'");
+    }
+}
+
+/// KEY VALUE, KEY=VALUE and KEY = VALUE, any number of them in a row.
+std::vector<Assignment> ParseAssignments(const std::vector<std::string>& words) {
+    std::vector<Assignment> assignments;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::size_t equals = words[i].find('=');
+        std::string key = words[i].substr(0, equals);
+        std::string value;
+        if (equals != std::string::npos) {
+            value = words[i].substr(equals + 1);
+        } else {
+            if (i + 1 < words.size() && words[i + 1] == "=") ++i;
+            if (++i == words.size()) throw Failure(EXIT_USAGE, "no value is given for " + key);
+            value = words[i];
+        }
+        CheckValue(key, value);
+        assignments.push_back({KeyAddress(key), value});
+    }
+    return assignments;
+}
+
+std::vector<Assignment> ParseKeys(const std::vector<std::string>& words) {
+    std::vector<Assignment> keys;
+    for (const std::string& word : words) keys.push_back({KeyAddress(word), {}});
+    return keys;
+}
+
+std::unique_ptr<TextFile> OpenText(const Globals& globals, const EditOptions& options) {
+    std::error_code failed;
+    if (options.file == "-" || !options.create || std::filesystem::exists(options.file, failed)) {
+        try {
+            return std::make_unique<TextFile>(options.file);
+        } catch (const Failure& failure) {
+            throw Failure(failure.Code(), options.file + ": " + failure.what());
+        }
+    }
+    const Session session(globals);
+    const std::string label = Text(session.FindChip(globals.chip)->SystemVersionLabel());
+    return std::make_unique<TextFile>(options.file, "version = " + label + "\n");
+}
+
+int Run(const Globals& globals, const EditOptions& options, EditKind kind) {
+    const std::vector<Assignment> assignments =
+        kind == EditKind::Unset ? ParseKeys(options.words) : ParseAssignments(options.words);
+    const std::unique_ptr<TextFile> file = OpenText(globals, options);
+    const bool isNew = !std::filesystem::exists(options.file) && options.file != "-";
+    TextEditor editor(globals, *file, options.place);
+    const std::optional<std::string> edited = editor.Edit(kind, assignments);
+    if (!edited) return editor.Result();
+
+    const std::string target = options.output.empty() ? options.file : options.output;
+    if (options.dryRun || target == "-") {
+        const Scratch scratch(*edited);
+        if (!editor.Proves(scratch.Path())) return editor.Result();
+        const std::string before = isNew ? std::string() : editor.Before();
+        std::cout << (options.dryRun ? UnifiedDiff(file->Name(), file->Name() + " (changed)", before, *edited)
+                                     : *edited);
+        return EXIT_FINE;
+    }
+    OutputFile output(target);
+    std::ofstream(output.TemporaryPath(), std::ios::binary) << *edited;
+    if (ReadWhole(output.TemporaryPath()) != *edited)
+        throw Failure(EXIT_SYSTEM, target + ": cannot be written");
+    if (!editor.Proves(output.TemporaryPath())) return editor.Result();
+    if (options.output.empty() && !isNew) {
+        if (*edited == editor.Before()) return EXIT_FINE;
+        if (ReadWhole(options.file) != editor.Before()) {
+            throw Failure(EXIT_SYSTEM,
+                          options.file + ": was changed by somebody else meanwhile; nothing was written");
+        }
+    }
+    output.Commit();
+    return EXIT_FINE;
+}
+
+CLI::App* AddEditCommand(CLI::App& app, Globals& globals, EditKind kind, const char* name,
+                         const char* description, const char* words) {
+    CLI::App* command = app.add_subcommand(name, description);
+    const auto options = std::make_shared<EditOptions>();
+    command
+        ->add_option("FILE", options->file,
+                     "The text; \"-\" for standard input, and the result on standard output")
+        ->required();
+    command->add_option("KEY", options->words, words)->required();
+    AddPlaceOptions(*command, options->place);
+    command->add_flag("-n,--dry-run", options->dryRun, "Write nothing; show what would change as a diff");
+    command->add_option("-o,--output", options->output, "Write the result there; \"-\" for standard output")
+        ->type_name("FILE");
+    if (kind != EditKind::Unset) {
+        command->add_flag("--create", options->create, "Begin a new text, for --chip, when there is no FILE");
+    }
+    AddDatabaseOptions(*command, globals, /*withChip=*/true);
+    command->callback([&globals, options, kind] {
+        globals.run = [&globals, options, kind] { return Run(globals, *options, kind); };
+    });
+    return command;
+}
+
+constexpr const char* PROOF =
+    "Nothing else in the text changes, and all changes of one call are made or none. The result is read back "
+    "and "
+    "compared before it takes the place of the text in one step. Errors elsewhere in the text do not matter, "
+    "as "
+    "long as none comes with the change.\n";
+
+constexpr const char* PAIRS =
+    "Names or numbers of keys, each with its value: KEY VALUE or KEY=VALUE. A value is what a text has "
+    "behind "
+    "\"=\"";
+
+}  // namespace
+
+void AddSet(CLI::App& app, Globals& globals) {
+    CLI::App* command = AddEditCommand(app, globals, EditKind::Set, "set", "Set keys in a text", PAIRS);
+    AddExamples(*command,
+                {{"kes set board.ktf max_acl_links 3", "Set one key"},
+                 {"kes set board.ktf local_name='\"Kitchen\"' tx_power_limit.0.1=68", "Set several, or none"},
+                 {"kes set board.ktf pa_type EXTERNAL -n", "See what would change"},
+                 {"kes set new.ktf --create --device smem --store 1 max_acl_links 3", "Begin a text"}});
+    command->footer(
+        std::string("A key that is there gets the new value; one that is not is added behind the last "
+                    "key of its place, and a new place at the end of the text.\n") +
+        PROOF +
+        "Exit code: 0 done, 1 the value is refused or the key is unknown, 2 wrong usage, the place is not "
+        "clear among others, 3 the system failed.");
+}
+
+void AddAdd(CLI::App& app, Globals& globals) {
+    CLI::App* command = AddEditCommand(app, globals, EditKind::Add, "add",
+                                       "Add keys to a text that are not there yet", PAIRS);
+    AddExamples(*command, {{"kes add board.ktf pin_code '\"0000\"'", "Add a key, never replace one"}});
+    command->footer(
+        std::string(PROOF) +
+        "Exit code: 0 done, 1 the key is there already, is unknown, or the value is refused, 2 wrong "
+        "usage, 3 the system failed.");
+}
+
+void AddUnset(CLI::App& app, Globals& globals) {
+    CLI::App* command = AddEditCommand(app, globals, EditKind::Unset, "unset", "Take keys out of a text",
+                                       "Names or numbers of keys, with \".\" and a number for each index");
+    AddExamples(*command, {{"kes unset board.ktf pin_code", "Take a key out"}});
+    command->footer(std::string("Every line that gives the key a value goes, with the comment behind it.\n") +
+                    PROOF + "Exit code: 0 done, 1 the key is not there, 2 wrong usage, 3 the system failed.");
+}
+
+}  // namespace kes::cli

@@ -1,0 +1,77 @@
+#include "cli/DeviceNames.h"
+#include "cli/ExitCodes.h"
+#include "cli/Globals.h"
+#include "cli/KeyList.h"
+#include "cli/Table.h"
+#include "cli/TextLoader.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+
+namespace kes::cli {
+
+namespace {
+
+/// A store with what the configuration puts into it. Sizes are null where they are not known: a text has
+/// none.
+Json StoreRecord(const api::Store& store, api::FrameworkFacade& facade) {
+    const auto size = [](auto bytes) {
+        return bytes == static_cast<decltype(bytes)>(api::Store::INVALID_STORE_SIZE) ? Json() : Json(bytes);
+    };
+    Json record = {{"device", DeviceName(store.DeviceId())},
+                   {"store", store.StoreId()},
+                   {"size", size(store.StoreSize())},
+                   {"free", size(store.StoreFreeSize())},
+                   {"keys", 0},
+                   {"subsystems", Json::array()}};
+    std::uint32_t keys = 0;
+    for (const auto& place : facade.GetPlaces()) {
+        if (place->DeviceId() != store.DeviceId() || place->StoreId() != store.StoreId()) continue;
+        keys += place->KeyCount();
+        record["subsystems"].push_back(Text(api::Subsystem::NameOf(place->SubsystemType())));
+    }
+    record["keys"] = keys;
+    return record;
+}
+
+int Run(const Globals& globals, const std::string& name) {
+    TextLoader loader(globals);
+    const TextFile file(name);
+    if (const ExitCode loaded = loader.LoadWhatIsGood(file); loaded != EXIT_FINE) return loaded;
+    Json document = JsonDocument("stores");
+    document["file"] = file.Name();
+    document["system"] = Text(loader.Chip()->SystemVersionLabel());
+    Json& results = document["results"] = Json::array();
+    for (const auto& store : loader.Facade().GetStores())
+        results.push_back(StoreRecord(*store, loader.Facade()));
+    if (globals.json) {
+        PrintJson(document);
+        return EXIT_FINE;
+    }
+    if (results.empty()) return EXIT_FINE;
+    Table table({"DEVICE", "STORE", "KEYS", "SUBSYSTEMS"});
+    for (const Json& store : results) {
+        std::string subsystems;
+        for (const Json& subsystem : store["subsystems"])
+            subsystems += (subsystems.empty() ? "" : ", ") + subsystem.get<std::string>();
+        table.Add({store["device"], store["store"].dump(), store["keys"].dump(), subsystems});
+    }
+    table.Print(std::cout);
+    return EXIT_FINE;
+}
+
+}  // namespace
+
+void AddStores(CLI::App& app, Globals& globals) {
+    CLI::App* command = app.add_subcommand("stores", "List the stores that a text fills");
+    const auto file = std::make_shared<std::string>();
+    command->add_option("FILE", *file, "The text; \"-\" for standard input")->required();
+    AddDatabaseOptions(*command, globals, /*withChip=*/true);
+    AddJsonOption(*command, globals);
+    command->footer(
+        "Stores are those on otp, mtp, smem and eeprom, in this order, with what the text puts into each.");
+    command->callback([&globals, file] { globals.run = [&globals, file] { return Run(globals, *file); }; });
+}
+
+}  // namespace kes::cli

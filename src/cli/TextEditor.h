@@ -1,0 +1,65 @@
+#pragma once
+
+#include "cli/KeyAddress.h"
+#include "cli/TextFile.h"
+#include "cli/TextLoader.h"
+#include "kes/configtools/readerwriters/kestext/common/textindex/EditText.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kes::cli {
+
+enum class EditKind { Set, Add, Unset };
+
+/// One key to be changed, and its new value.
+struct Assignment {
+    KeyAddress key;
+    std::string value;
+};
+
+/// Changes keys in a text as its author would: the characters of a value, or a line. The result is to be
+/// proved before anybody sees it: it must read as the configuration does after the same changes, and have no
+/// error that the text had not before.
+class TextEditor {
+public:
+    TextEditor(const Globals& globals, const TextFile& file, const PlaceOptions& place);
+
+    /// The text after all changes. Nothing, and the reason printed, when one of them is refused: the exit
+    /// code is then in `Result`. Throws `Failure` for what was asked wrongly.
+    std::optional<std::string> Edit(EditKind kind, const std::vector<Assignment>& assignments);
+    /// Reads the file that holds the result, and compares. False with the reason printed.
+    bool Proves(const std::string& path);
+    ExitCode Result() const { return mResult; }
+    /// The text as it was read.
+    const std::string& Before() const { return mBefore; }
+
+private:
+    struct Target {
+        std::shared_ptr<api::Subsystem> subsystem;
+        std::int32_t psid;
+        VemoKesConfigTools::TextPlace place;
+    };
+
+    bool Load();
+    Target FindTarget(EditKind kind, const PlaceFilter& filter, const KeyAddress& address);
+    Target FindRoom(const PlaceFilter& filter, const KeyAddress& address,
+                    const std::vector<KeyCandidate>& candidates);
+    bool Change(EditKind kind, const Target& target, const Assignment& assignment);
+    bool ChangeByText(const Target& target, const Assignment& assignment);
+    VemoKesConfigTools::TextChange ToTextChange(EditKind kind, const Target& target,
+                                                const Assignment& assignment);
+    void Refuse(const std::string& text);
+
+    const Globals& mGlobals;
+    const TextFile& mFile;
+    PlaceOptions mPlace;
+    TextLoader mLoader;
+    std::string mBefore;
+    std::vector<std::string> mErrorsBefore;
+    ExitCode mResult = EXIT_FINE;
+};
+
+}  // namespace kes::cli
