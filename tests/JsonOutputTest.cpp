@@ -61,7 +61,7 @@ TEST(JsonOutput, TellsWhetherADatabaseIsGood) {
     const Outcome outcome = RunKes({"metadata", "check", "--json", bad});
     EXPECT_EQ(outcome.code, 1);
     EXPECT_EQ(Json::parse(outcome.out)["results"],
-              Json::array({{{"level", "error"}, {"message", bad + ": file is not a database"}}}));
+              Json::array({{{"severity", "error"}, {"message", bad + ": file is not a database"}}}));
 }
 
 }  // namespace

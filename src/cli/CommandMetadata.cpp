@@ -103,7 +103,7 @@ int Check(const Globals& globals, const MetadataOptions& options) {
         database.CheckFile();
         database.LoadAll();
     } catch (const metadb::DatabaseError& error) {
-        results.push_back({{"level", "error"}, {"message", error.what()}});
+        results.push_back({{"severity", "error"}, {"message", error.what()}});
         // The text names the file already.
         if (!globals.json) std::cerr << error.what() << '\n';
     }
