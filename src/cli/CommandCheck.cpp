@@ -2,6 +2,7 @@
 #include "cli/Diagnostics.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
+#include "cli/Help.h"
 #include "cli/Json.h"
 #include "cli/Platform.h"
 #include "cli/Sarif.h"
@@ -100,6 +101,8 @@ void AddCheck(CLI::App& app, Globals& globals) {
         "Firmware system, by its version label (environment: KES_CHIP; without both: the one that the "
         "\"version\" "
         "line of the text names, or else the first of the database)");
+    AddExamples(*command, {{"kes check board.ktf", "No output and exit code 0 when the text is good"},
+                           {"kes check -v *.ktf", "Several texts, and what was found in them"}});
     command->footer(
         "Each error is one line on standard error: FILE:LINE:COLUMN: error: TEXT\n"
         "Exit code: 0 all texts are good, 1 errors were found, 2 wrong usage, 3 a file, database or "

@@ -1,6 +1,7 @@
 #include "cli/DescribeText.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
+#include "cli/Help.h"
 #include "cli/Json.h"
 #include "cli/KeyRecord.h"
 #include "cli/KeyText.h"
@@ -121,6 +122,7 @@ void AddDescribe(CLI::App& app, Globals& globals) {
         ->type_name("NAME");
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
     AddJsonOption(*command, globals);
+    AddExamples(*command, {{"kes describe tx_power_limit", "By name"}, {"kes describe 0x201B", "By number"}});
     command->callback(
         [&globals, options] { globals.run = [&globals, options] { return Run(globals, *options); }; });
 }

@@ -1,5 +1,6 @@
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
+#include "cli/Help.h"
 #include "cli/Json.h"
 #include "cli/KeyRecord.h"
 #include "cli/KeyText.h"
@@ -69,6 +70,9 @@ void AddKeys(CLI::App& app, Globals& globals) {
         ->type_name("NAME");
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
     AddJsonOption(*command, globals);
+    AddExamples(*command,
+                {{"kes keys --subsystem wlan antenna", "Those of a subsystem that have to do with antennas"},
+                 {"kes keys --json | jq -r '.results[].name'", "The names of all keys"}});
     command->callback(
         [&globals, options] { globals.run = [&globals, options] { return Run(globals, *options); }; });
 }

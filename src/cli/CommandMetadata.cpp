@@ -2,6 +2,7 @@
 #include "cli/Diagnostics.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
+#include "cli/Help.h"
 #include "cli/Json.h"
 #include "cli/OutputFile.h"
 #include "metadb/JsonSource.h"
@@ -102,7 +103,7 @@ int Check(const Globals& globals, const MetadataOptions& options) {
         database.CheckFile();
         database.LoadAll();
     } catch (const metadb::DatabaseError& error) {
-        results.push_back({{"level", "error"}, {"message", error.what()}});
+        results.push_back({{"severity", "error"}, {"message", error.what()}});
         // The text names the file already.
         if (!globals.json) std::cerr << error.what() << '\n';
     }
@@ -122,6 +123,7 @@ void AddMetadata(CLI::App& app, Globals& globals) {
         ->required();
     build->add_option("-o,--output", options->output, "The database to write")->required()->type_name("DB");
     AddPluginsOption(*build, globals);
+    AddExamples(*build, {{"kes metadata build chip.json -o chip.db", "Make a database"}});
     build->footer("A wrong source is refused with the places of all its faults, and no database is written.");
     build->callback(
         [&globals, options] { globals.run = [&globals, options] { return Build(globals, *options); }; });
@@ -130,6 +132,7 @@ void AddMetadata(CLI::App& app, Globals& globals) {
     exports->add_option("DB", options->database, "The database")->required();
     exports->add_option("-o,--output", options->output, "Where to write; standard output without it")
         ->type_name("FILE");
+    AddExamples(*exports, {{"kes metadata export chip.db -o chip.json", "Get the source back"}});
     exports->callback([&globals, options] { globals.run = [options] { return Export(*options); }; });
 
     CLI::App* check = command->add_subcommand("check", "Check a database for damage");

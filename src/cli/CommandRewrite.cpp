@@ -1,6 +1,7 @@
 #include "cli/Comments.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
+#include "cli/Help.h"
 #include "cli/OutputFile.h"
 #include "cli/TextLoader.h"
 #include "cli/UnifiedDiff.h"
@@ -120,6 +121,9 @@ void AddRewrite(CLI::App& app, Globals& globals) {
     command->add_flag("--drop-comments", options->dropComments,
                       "With -i: let go of comments that are not made anew");
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
+    AddExamples(*command, {{"kes rewrite --check board.ktf", "Show what would change"},
+                           {"kes rewrite board.ktf -o new.ktf", "Write to another file"},
+                           {"kes rewrite -i board.ktf", "Replace the text"}});
     command->footer(
         "Keys, values and places stay, their layout is made anew, and comments are made anew from the "
         "metadata: comments of your own are lost. With -i this asks for --drop-comments.\n"

@@ -25,12 +25,8 @@ constexpr void (*COMMANDS[])(CLI::App&, Globals&) = {
 /// What is wrong with the command line. A word that is no command tells more than that one is missing.
 std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {
     const CLI::App* chosen = &app;
-    std::string path = "kes";
-    while (!chosen->get_subcommands().empty()) {
-        chosen = chosen->get_subcommands().front();
-        path += " " + chosen->get_name();
-    }
-    const std::string hint = "\nsee " + path + " --help";
+    while (!chosen->get_subcommands().empty()) chosen = chosen->get_subcommands().front();
+    const std::string hint = "\nsee " + CommandPath(*chosen) + " --help";
     std::vector<std::string> names;
     for (const CLI::App* command : chosen->get_subcommands(nullptr)) names.push_back(command->get_name());
     const std::vector<std::string> extras = chosen->remaining();
