@@ -36,8 +36,9 @@ ExitCode TextLoader::LoadWhatIsGood(const TextFile& file) {
     for (Finding& finding : report.findings) finding.severity = "warning";
     const std::size_t count = report.findings.size();
     if (count != 0) {
-        report.notes.push_back("the rest of the text is used; " + std::to_string(count) +
-                               (count == 1 ? " line was" : " lines were") + " left out");
+        report.notes.push_back(std::to_string(count) +
+                               (count == 1 ? " line has an error" : " lines have errors") +
+                               "; the rest of the text is used");
     }
     PrintMessages(report, mDiagnostics);
     return EXIT_FINE;

@@ -53,6 +53,10 @@ public:
         }
         tried = mTried;
     }
+    /// Whether a line depends on the line before it, so that no change of another leaves it alone.
+    bool HasStrayLines() const {
+        return std::ranges::any_of(mIndex.Lines(), [](const TextLine& line) { return line.isStray; });
+    }
     std::size_t LineCount() const { return mIndex.Lines().size(); }
     std::size_t tried = 0;
 

@@ -96,6 +96,8 @@ public:
         line.error = result.mCode;
         if (line.effect != TextLine::Effect::None) {
             line.place = mPlace;
+            const CStoreAddress& named = line.isPrefixed ? mpParseContext->mPrefix : mpParseContext->mInfo;
+            line.isStray = mPlace != TextPlace{named.mSubsystem, named.mDevice, named.mStore};
         } else if (mpParseContext->mpConfigContext->HasPlace()) {
             line.place = PlaceOf(*mpParseContext->mpConfigContext);
         }

@@ -43,6 +43,9 @@ struct TextLine {
     std::int32_t error = 0;  ///< the code of what is wrong with the line, 0 for a good one
     Effect effect = Effect::None;
     bool isPrefixed = false;  ///< names its place in front of the key
+    /// Does not lie where it stands, but where the line before lay: a number with indexes that the metadata
+    /// does not know.
+    bool isStray = false;
 };
 
 /// What stands where in a configuration text, as the reader of texts sees it: its parser makes the index, so

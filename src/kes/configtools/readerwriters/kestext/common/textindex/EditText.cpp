@@ -64,7 +64,8 @@ private:
             if (place == mPlaceEnds.end()) continue;
             const bool isKey = line.effect != TextLine::Effect::None;
             // A failed line says nothing of where the lines behind it lie.
-            if (isKey || (line.error == 0 && line.key.IsEmpty() && place->second == nullptr)) {
+            if ((isKey && !line.isStray) ||
+                (line.error == 0 && line.key.IsEmpty() && place->second == nullptr)) {
                 place->second = &line;
             }
             if (!isKey) continue;
