@@ -3,6 +3,7 @@
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/Json.h"
+#include "cli/KeyAddress.h"
 #include "cli/KeyRecord.h"
 #include "cli/KeyText.h"
 #include "cli/NearNames.h"
@@ -11,7 +12,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <charconv>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -28,16 +28,6 @@ struct DescribeOptions {
     std::string subsystem;
 };
 
-/// A key number in decimal or, behind "0x", in hexadecimal.
-std::optional<std::uint32_t> ToNumber(std::string_view text) {
-    const bool hex = text.starts_with("0x") || text.starts_with("0X");
-    if (hex) text.remove_prefix(2);
-    std::uint32_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, hex ? 16 : 10);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return number;
-}
-
 /// Looks up every key of a name or number. The subsystems are loaded once for all of them.
 class Describer {
 public:
@@ -53,7 +43,7 @@ public:
 
     /// The records of the keys of this name or number, by subsystem.
     std::vector<Json> Find(const std::string& word) {
-        const std::optional<std::uint32_t> number = ToNumber(word);
+        const std::optional<std::uint32_t> number = ParseKeyNumber(word);
         const std::string name = NameOf(word);
         std::vector<Json> records;
         for (const Known& known : mKnown) {
