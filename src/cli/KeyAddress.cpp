@@ -51,7 +51,7 @@ std::optional<std::uint32_t> ParseKeyNumber(std::string_view text) {
     return number;
 }
 
-KeyAddress::KeyAddress(const std::string& given) : text(given) {
+KeyAddress::KeyAddress(const std::string& word) : text(word) {
     const std::string_view all = text;
     const std::size_t dot = std::min(all.find('.'), all.size());
     const std::string_view first = all.substr(0, dot);
