@@ -65,6 +65,7 @@ std::vector<Assignment> ParseAssignments(const std::vector<std::string>& words) 
 
 std::vector<Assignment> ParseKeys(const std::vector<std::string>& words) {
     std::vector<Assignment> keys;
+    keys.reserve(words.size());
     for (const std::string& word : words) keys.push_back({KeyAddress(word), {}});
     return keys;
 }
