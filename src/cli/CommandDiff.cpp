@@ -105,7 +105,7 @@ int Run(const Globals& globals, const DiffOptions& options) {
     Json document = JsonDocument("diff");
     document["files"] = options.files;
     for (const std::string& name : options.files) {
-        const TextFile file(name);
+        const TextFile file = OpenText(name);
         if (const ExitCode loaded = loader.LoadWhatIsGood(file); loaded != EXIT_FINE) return loaded;
         const PlaceFilter filter(loader.Library(), *loader.Chip(), options.place);
         if (options.defaults) loader.LoadDefaults(filter.Subsystems());

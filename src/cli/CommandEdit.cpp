@@ -9,6 +9,8 @@
 #include "cli/UnifiedDiff.h"
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -63,30 +65,27 @@ std::vector<Assignment> ParseAssignments(const std::vector<std::string>& words) 
 
 std::vector<Assignment> ParseKeys(const std::vector<std::string>& words) {
     std::vector<Assignment> keys;
+    keys.reserve(words.size());
     for (const std::string& word : words) keys.push_back({KeyAddress(word), {}});
     return keys;
 }
 
-std::unique_ptr<TextFile> OpenText(const Globals& globals, const EditOptions& options) {
+TextFile OpenOrBegin(const Globals& globals, const EditOptions& options) {
     std::error_code failed;
     if (options.file == "-" || !options.create || std::filesystem::exists(options.file, failed)) {
-        try {
-            return std::make_unique<TextFile>(options.file);
-        } catch (const Failure& failure) {
-            throw Failure(failure.Code(), options.file + ": " + failure.what());
-        }
+        return OpenText(options.file);
     }
     const Session session(globals);
     const std::string label = Text(session.FindChip(globals.chip)->SystemVersionLabel());
-    return std::make_unique<TextFile>(options.file, "version = " + label + "\n");
+    return {options.file, "version = " + label + "\n"};
 }
 
 int Run(const Globals& globals, const EditOptions& options, EditKind kind) {
     const std::vector<Assignment> assignments =
         kind == EditKind::Unset ? ParseKeys(options.words) : ParseAssignments(options.words);
-    const std::unique_ptr<TextFile> file = OpenText(globals, options);
+    const TextFile file = OpenOrBegin(globals, options);
     const bool isNew = !std::filesystem::exists(options.file) && options.file != "-";
-    TextEditor editor(globals, *file, options.place);
+    TextEditor editor(globals, file, options.place);
     const std::optional<std::string> edited = editor.Edit(kind, assignments);
     if (!edited) return editor.Result();
 
@@ -95,14 +94,17 @@ int Run(const Globals& globals, const EditOptions& options, EditKind kind) {
         const Scratch scratch(*edited);
         if (!editor.Proves(scratch.Path())) return editor.Result();
         const std::string before = isNew ? std::string() : editor.Before();
-        std::cout << (options.dryRun ? UnifiedDiff(file->Name(), file->Name() + " (changed)", before, *edited)
+        std::cout << (options.dryRun ? UnifiedDiff(file.Name(), file.Name() + " (changed)", before, *edited)
                                      : *edited);
         return EXIT_FINE;
     }
     OutputFile output(target);
-    std::ofstream(output.TemporaryPath(), std::ios::binary) << *edited;
+    std::ofstream written(output.TemporaryPath(), std::ios::binary);
+    written << *edited;
+    written.close();
+    if (!written) throw Failure(EXIT_SYSTEM, target + ": cannot be written: " + std::strerror(errno));
     if (ReadWhole(output.TemporaryPath()) != *edited)
-        throw Failure(EXIT_SYSTEM, target + ": cannot be written");
+        throw Failure(EXIT_SYSTEM, target + ": does not read back as it was written; nothing was changed");
     if (!editor.Proves(output.TemporaryPath())) return editor.Result();
     if (options.output.empty() && !isNew) {
         if (*edited == editor.Before()) return EXIT_FINE;

@@ -23,7 +23,7 @@ struct GetOptions {
 class Getter {
 public:
     Getter(const Globals& globals, const GetOptions& options)
-        : mGlobals(globals), mOptions(options), mLoader(globals), mFile(options.file) {}
+        : mGlobals(globals), mOptions(options), mLoader(globals), mFile(OpenText(options.file)) {}
 
     int Run() {
         if (const ExitCode loaded = mLoader.LoadWhatIsGood(mFile); loaded != EXIT_FINE) return loaded;

@@ -29,7 +29,7 @@ std::vector<std::string> PlaceCells(const api::KeyValue& key) {
 /// A text that was loaded for a list of its keys.
 struct Listed {
     Listed(const Globals& globals, const std::string& name, const PlaceOptions& place)
-        : loader(globals), file(name), result(loader.LoadWhatIsGood(file)) {
+        : loader(globals), file(OpenText(name)), result(loader.LoadWhatIsGood(file)) {
         if (result != EXIT_FINE) return;
         const PlaceFilter filter(loader.Library(), *loader.Chip(), place);
         loader.LoadDefaults(filter.Subsystems());

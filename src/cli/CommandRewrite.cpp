@@ -31,7 +31,7 @@ struct RewriteOptions {
 class Rewriter {
 public:
     Rewriter(const Globals& globals, const RewriteOptions& options)
-        : mGlobals(globals), mOptions(options), mLoader(globals), mFile(options.file) {}
+        : mGlobals(globals), mOptions(options), mLoader(globals), mFile(OpenText(options.file)) {}
 
     int Run() {
         if (const ExitCode loaded = mLoader.Load(mFile); loaded != EXIT_FINE) return loaded;

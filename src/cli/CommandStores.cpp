@@ -37,7 +37,7 @@ Json StoreRecord(const api::Store& store, api::FrameworkFacade& facade) {
 
 int Run(const Globals& globals, const std::string& name) {
     TextLoader loader(globals);
-    const TextFile file(name);
+    const TextFile file = OpenText(name);
     if (const ExitCode loaded = loader.LoadWhatIsGood(file); loaded != EXIT_FINE) return loaded;
     Json document = JsonDocument("stores");
     document["file"] = file.Name();

@@ -17,6 +17,9 @@ bool ErrorsGoToTerminal();
 /// False with `errno` set, and the old name kept.
 bool SyncAndRename(const std::string& from, const std::string& to);
 
+/// Gives a file the owner and the permissions of another that is there, as far as the system allows it.
+void CopyAccess(const std::string& from, const std::string& to);
+
 /// A name beside `path` that no other process uses.
 std::string TemporaryBeside(const std::string& path);
 

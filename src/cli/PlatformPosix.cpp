@@ -13,6 +13,7 @@
 #include <sched.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -45,6 +46,17 @@ bool SyncAndRename(const std::string& from, const std::string& to) {
     const std::string folder = std::filesystem::path(to).parent_path().string();
     static_cast<void>(Sync(folder.empty() ? "." : folder));
     return true;
+}
+
+void CopyAccess(const std::string& from, const std::string& to) {
+    struct stat access {};
+    if (stat(from.c_str(), &access) != 0) return;
+    // Only some users may give files away; a group of theirs they may choose. The permissions come last: they
+    // would lose bits with the owner.
+    if (chown(to.c_str(), access.st_uid, access.st_gid) != 0) {
+        static_cast<void>(chown(to.c_str(), static_cast<uid_t>(-1), access.st_gid) == 0);
+    }
+    static_cast<void>(chmod(to.c_str(), access.st_mode & 07777U) == 0);
 }
 
 std::string CreateScratchFile() {

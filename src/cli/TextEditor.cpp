@@ -185,9 +185,12 @@ bool TextEditor::Change(EditKind kind, const Target& target, const Assignment& a
         changed =
             facade.SetValue(target.subsystem, target.psid, indexes, device, store, LAYER, assignment.value);
     }
-    if (changed && listener.Findings().empty()) return true;
-
     const std::string what = assignment.key.text + " = " + assignment.value + " is refused: ";
+    if (changed && listener.Findings().empty()) {
+        if (kind == EditKind::Unset || EndsInItsLine(target, assignment)) return true;
+        Refuse(what + "it opens a comment that it does not close");
+        return false;
+    }
     for (const auto& finding : listener.Findings()) {
         Refuse(what + finding.text + (finding.detail.empty() ? "" : ": " + finding.detail));
         for (const std::string& note : mLoader.NotesOn(finding))
@@ -199,7 +202,15 @@ bool TextEditor::Change(EditKind kind, const Target& target, const Assignment& a
     return false;
 }
 
-/// The same for the places in which the library sets no single values: by a text that is merged.
+/// Whether a line behind the value would be a line still. A comment that is open at the end is no error.
+bool TextEditor::EndsInItsLine(const Target& target, const Assignment& assignment) {
+    const std::string line = assignment.key.text + "=" + assignment.value + "\n";
+    const VemoKesConfigTools::CTextIndex index("file=" + Text(target.subsystem->Name()) + "1\n" + line + line,
+                                               mGlobals.database, Text(mLoader.Chip()->SystemVersionLabel()));
+    return index.Lines().size() == 3;
+}
+
+/// `Change` for the places in which the library sets no single values: by a text that is merged.
 bool TextEditor::ChangeByText(const Target& target, const Assignment& assignment) {
     const Scratch scratch("subsystem=" + Text(target.subsystem->Name()) + "\ndevice=" +
                           DeviceName(target.place.device) + "\nstore=" + std::to_string(target.place.store) +

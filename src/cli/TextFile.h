@@ -43,4 +43,7 @@ private:
     bool mIsEmpty = false;
 };
 
+/// The text of this name. The failure names it, for commands that print no other message about it.
+TextFile OpenText(const std::string& name);
+
 }  // namespace kes::cli

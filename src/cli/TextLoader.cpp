@@ -33,8 +33,10 @@ ExitCode TextLoader::LoadWhatIsGood(const TextFile& file) {
         PrintMessages(report, mDiagnostics);
         return report.exit;
     }
-    for (Finding& finding : report.findings) finding.severity = "warning";
     const std::size_t count = report.findings.size();
+    for (const std::string& error : report.errors) report.findings.emplace_back().message = error;
+    report.errors.clear();
+    for (Finding& finding : report.findings) finding.severity = "warning";
     if (count != 0) {
         report.notes.push_back(std::to_string(count) +
                                (count == 1 ? " line has an error" : " lines have errors") +

@@ -32,6 +32,16 @@ inline Outcome RunKes(const std::vector<std::string>& arguments, const std::stri
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(folder / "out"), ReadFile(folder / "err")};
 }
 
+/// Runs a line of the shell in a folder, in which `kes` is the real command.
+inline Outcome RunShell(const TempFolder& folder, const std::string& line) {
+    const TempFolder results;
+    const std::string run = "cd '" + folder.Path() + "' && kes() { '" KES_TEST_COMMAND "' \"$@\"; } && { " +
+                            line + "\n} >'" + results / "out" + "' 2>'" + results / "err" + "'";
+    const int status = std::system(run.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(results / "out"),
+            ReadFile(results / "err")};
+}
+
 /// The database of the shipped example.
 inline const std::string EXAMPLE_DATABASE = std::string(KES_TEST_SHARE_DIR) + "/examples/ostrell.db";
 inline const std::string EXAMPLE_FOLDER = std::string(KES_TEST_SOURCE_DIR) + "/examples/ostrell";
