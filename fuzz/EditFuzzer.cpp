@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 [&](const std::string& what, const std::string& edited, const std::string& wanted,
                     const std::string& actual) {
                     if (what == "add" && EndIsOpen(input.text)) return;
-                    Fault((what + "\n" + input.text + "\n--- edited\n" + edited).c_str(), wanted, actual);
+                    Fault(what + "\n" + input.text + "\n--- edited\n" + edited, wanted, actual);
                 });
     if (law.HasStrayLines()) return 0;
     // Each change reads the whole text twice.

@@ -6,8 +6,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <string>
 
 namespace KesFuzz {
@@ -36,8 +36,9 @@ struct Input {
 };
 
 /// Stops the process, which is how a fuzzer is told of a fault.
-[[noreturn]] inline void Fault(const char* what, const std::string& first, const std::string& second) {
-    std::fprintf(stderr, "FAULT: %s\n--- first\n%s\n--- second\n%s\n", what, first.c_str(), second.c_str());
+[[noreturn]] inline void Fault(const std::string& what, const std::string& first, const std::string& second) {
+    // Whole, whatever bytes they hold.
+    std::cerr << "FAULT: " << what << "\n--- first\n" << first << "\n--- second\n" << second << std::endl;
     std::abort();
 }
 

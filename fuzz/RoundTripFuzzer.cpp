@@ -127,9 +127,9 @@ void CheckForm(CChipConfig& config, const Input& input, const CKesContext& form)
     CKesContext context = input.Context();
     const Reading reading = Read(saved, second, context, Keys());
     if (!reading.good) Fault("the written text is refused", saved, reading.findings);
-    if (reading.dump != model) Fault(("another model\n" + saved).c_str(), model, reading.dump);
+    if (reading.dump != model) Fault("another model\n" + saved, model, reading.dump);
     if (!HoldsStores(second.Stores(), config.Stores())) {
-        Fault(("stores are missing\n" + saved).c_str(), DumpStores(config.Stores()), reading.stores);
+        Fault("stores are missing\n" + saved, DumpStores(config.Stores()), reading.stores);
     }
     const std::string again = Save(second, form);
     if (again != saved) Fault("another text", saved, again);

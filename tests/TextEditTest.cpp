@@ -54,7 +54,7 @@ TEST(TextIndex, NotesWhereLinesKeysAndValuesStand) {
         {"raw and unknown", "file=audio1\n77 = % 1 [ 02 ] %\n78.1=% 1 %",
          "- | 77=% 1 [ 02 ] %@3/15/1 | 78.1=% 1 %@3/15/1"},
         {"mistakes", "file=bt1\nu8 = 1 2\nu8 = x\nnobody = 1\nu8=4\n",
-         "- | !4 u8=1@1/15/1 | !32 - | !26 - | u8=4@1/15/1"},
+         "- | !4 u8=1 2@1/15/1 | !32 u8=x@1/15/1 | !26 - | u8=4@1/15/1"},
         {"table keys", "file=bt1\nrf_table.0.2 = -1\n4661.1.1=2",
          "- | rf_table.0.2=-1@1/15/1 | 4661.1.1=2@1/15/1"},
         {"the reading ends early", "file=bt1\nu8=1\nfile=nowhere1\nu8=2\n", "- | u8=1@1/15/1 | !12 -"},
@@ -144,7 +144,18 @@ TEST(TextEdit, ChangesTheCharactersOfTheValueAndNothingElse) {
          "file=bt1\nu16=3\nu8=1\n",
          {Change("u8", 1, ""), Change("u32", 3, "4")},
          "file=bt1\nu16=3\nu32=4\n"},
-        {"a value behind nothing", "file=bt1\nu8=1 2\n", {Change("u8", 1, "3")}, "file=bt1\nu8=3 2\n"},
+        {"text behind the value",
+         "file=bt1\nu8=1 2 /*a*/ 3 # b\n",
+         {Change("u8", 1, "4")},
+         "file=bt1\nu8=4 # b\n"},
+        {"a value that was refused",
+         "file=bt1\nu8 = x # a\nu16=2\n",
+         {Change("u8", 1, "4")},
+         "file=bt1\nu8 = 4 # a\nu16=2\n"},
+        {"a refused value that a good one follows",
+         "file=bt1\nu8=x\nu8=1\n",
+         {Change("u8", 1, "4")},
+         "file=bt1\nu8=x\nu8=4\n"},
     };
     for (const auto& row : rows) EXPECT_EQ(EditText(IndexOf(row.text), row.changes), row.edited) << row.what;
 }

@@ -69,9 +69,9 @@ public:
     bool SaveText(const HostString& filePath);
     /// The same in a form of the host's choice.
     bool SaveText(const HostString& filePath, const TextForm& form);
-    /// Where this configuration differs first from another one in places, their keys in their order, or
-    /// values, in words; null when they are the same. A place without keys counts as none; the order of
-    /// places and the stores are not compared.
+    /// Where this configuration differs first from another one in places, keys or values, in words; null when
+    /// they are the same. A place without keys counts as none; the order of places and keys, and the stores
+    /// are not compared.
     HostString FirstDifference(const FrameworkFacade& other) const;
 
     /// The stores of the configuration: those of the last load in their fixed order of devices, and those

@@ -63,8 +63,8 @@ public:
     const std::map<std::string, CSubsystemConfig*>& Subsystems() const { return mSubsystems; }
     /// The stores: those of the last read in the reader's order, and those known before.
     const std::list<CStoreInfo*>& Stores() const { return mStores; }
-    /// Where the other configuration differs first in places, their keys in their order, or values, in words.
-    /// A place without keys counts as none; the order of places, stores and chip id are not compared.
+    /// Where the other configuration differs first in places, keys or values, in words. A place without keys
+    /// counts as none; the order of places and keys, stores and chip id are not compared.
     std::optional<std::string> FirstDifference(const CChipConfig& other) const;
     bool HasElements() const;
     bool HasElements(SubSystemTypeEnum type) const;

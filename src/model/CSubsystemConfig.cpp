@@ -89,10 +89,23 @@ bool CSubsystemConfig::Same(const CSubsystemConfig& other) const {
 }
 
 const CElement* CSubsystemConfig::FirstDifferent(const CSubsystemConfig& other) const {
-    const auto [mine, theirs] =
-        std::ranges::mismatch(mElements, other.mElements,
-                              [](const CElement* left, const CElement* right) { return *left == *right; });
-    return mine == mElements.end() ? nullptr : *mine;
+    const auto differs = [&](const CElement* element) {
+        const auto mine = mSlots.find(KeyOf(*element));
+        // The others of a key are compared with the first.
+        if (*mine->first != element) return false;
+        const auto theirs = other.mSlots.find(KeyOf(*element));
+        return theirs == other.mSlots.end() || !SameElements(*mine, *theirs);
+    };
+    const auto found = std::ranges::find_if(mElements, differs);
+    return found == mElements.end() ? nullptr : *found;
+}
+
+bool CSubsystemConfig::SameElements(const Slot& left, const Slot& right) {
+    static const std::vector<ElementList::iterator> none;
+    const auto& more = left.others ? *left.others : none;
+    const auto& others = right.others ? *right.others : none;
+    return **left.first == **right.first &&
+           std::ranges::equal(more, others, [](const auto& a, const auto& b) { return **a == **b; });
 }
 
 CElement* CSubsystemConfig::Find(std::uint32_t psid, std::span<const std::uint32_t> indices) const {

@@ -43,10 +43,10 @@ public:
     const CKesContext& Place() const { return mContext; }
     /// Removes every element of this key. Null indices are none.
     void RemoveElement(std::uint32_t psid, const std::vector<std::uint32_t>* indices);
-    /// Whether both are of one place and hold equal elements in one order.
+    /// Whether both are of one place and hold equal elements of each key. The order of keys does not count.
     bool Same(const CSubsystemConfig& other) const;
-    /// The first element that the other place does not have at this position; null when it is the other that
-    /// has one more, or none differs.
+    /// The first element whose key the other place does not hold with equal values; null when it is the other
+    /// that has one more, or none differs.
     const CElement* FirstDifferent(const CSubsystemConfig& other) const;
     /// The newest element of a key, null when there is none.
     CElement* Find(std::uint32_t psid, std::span<const std::uint32_t> indices) const;
@@ -75,6 +75,7 @@ private:
     };
 
     static Key KeyOf(const CElement& element);
+    static bool SameElements(const Slot& left, const Slot& right);
     void DropOthers(const Slot& slot);
     void Append(CElement* element);
 

@@ -36,8 +36,13 @@ public:
         CheckIndex();
         std::size_t number = 0;
         for (const TextLine& line : mIndex.Lines()) {
-            if (line.effect != TextLine::Effect::Sets || number++ % stride != 0) continue;
+            const bool isRefused = line.effect == TextLine::Effect::Fails;
+            if ((!isRefused && line.effect != TextLine::Effect::Sets) || number++ % stride != 0) continue;
             TextChange change = ChangeAt(line);
+            if (isRefused) {
+                CheckChange("mend", change, line.value);
+                continue;
+            }
             if (!IsThere(change)) continue;
             CheckChange("set", change, line.value);
             change.isRemoval = true;
@@ -49,6 +54,8 @@ public:
             change.psid = UNUSED_KEY;
             change.key = std::to_string(UNUSED_KEY);
             change.value = VALUE;
+            change.subsystemWord = SUBSYSTEM_NAMES[static_cast<std::size_t>(place.subsystem)];
+            change.deviceWord = DeviceWord(place.device);
             if (!IsThere(change)) CheckChange("add", change, {});
         }
         tried = mTried;
@@ -112,6 +119,11 @@ private:
         change.value = VALUE;
         return change;
     }
+    static std::string DeviceWord(std::int32_t number) {
+        static constexpr std::pair<std::int32_t, const char*> DEVICES[] = {
+            {0, "rom"}, {1, "otp"}, {2, "smem"}, {4, "mtp"}, {13, "cur_cfg"}, {14, "fw_cfg"}, {15, "eeprom"}};
+        return std::ranges::find(DEVICES, number, [](const auto& entry) { return entry.first; })->second;
+    }
     std::vector<TextPlace> Places() const {
         std::vector<TextPlace> places;
         for (const TextLine& line : mIndex.Lines()) {
@@ -142,14 +154,9 @@ private:
             place->RemoveElement(change.psid, &change.indices);
         } else {
             // The same value, read at the same kind of place, in a text of its own.
-            static constexpr std::pair<std::int32_t, const char*> DEVICES[] = {
-                {0, "rom"},      {1, "otp"},     {2, "smem"},   {4, "mtp"},
-                {13, "cur_cfg"}, {14, "fw_cfg"}, {15, "eeprom"}};
             std::string text = "subsystem=";
             text += SUBSYSTEM_NAMES[static_cast<std::size_t>(change.place.subsystem)];
-            for (const auto& [device, word] : DEVICES) {
-                if (device == change.place.device) text += std::string("\ndevice=") + word;
-            }
+            text += "\ndevice=" + DeviceWord(change.place.device);
             text += "\nstore=" + std::to_string(change.place.store) + "\n" + change.key + "=" + change.value;
             CKesContext fresh = Context();
             Read(text, config, fresh, mProvider);
@@ -176,12 +183,13 @@ private:
                 .first -
             text.rbegin());
         for (const TextLine& line : mIndex.Lines()) {
-            if (line.effect != TextLine::Effect::Sets || line.place != change.place ||
-                line.psid != change.psid || line.indices != change.indices)
+            if (line.value.IsEmpty() || line.place != change.place || line.psid != change.psid ||
+                line.indices != change.indices)
                 continue;
             if (start >= line.value.begin && text.size() - sameEnd <= line.value.end) return;
         }
-        if (edited != text) mFault("bytes outside of a value have changed", edited, text, {});
+        // A key that a later line takes out gets a line of its own.
+        if (start + sameEnd < text.size()) mFault("bytes outside of a value have changed", edited, text, {});
     }
 
     /// Ranges lie in each other and in the text, and hold what they say.

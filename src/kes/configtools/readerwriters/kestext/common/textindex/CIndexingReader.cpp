@@ -53,12 +53,16 @@ private:
 /// Stands in front of the value that does the work.
 class CIndexingValue final : public CValue {
 public:
-    CIndexingValue(CTextReader* source, CParseContext* context, std::unique_ptr<CValue> value, TextLine& line)
-        : CValue(source, context), mpValue(std::move(value)), mLine(line) {}
+    /// `start` is told where the value begins.
+    CIndexingValue(CTextReader* source, CParseContext* context, std::unique_ptr<CValue> value, TextLine& line,
+                   CTextReader::Position& start)
+        : CValue(source, context), mpValue(std::move(value)), mLine(line), mStart(start) {}
 
     CParserError Parse() override {
         mpValue->mpMetadata = mpMetadata;
         mLine.value.begin = NextCharacter(*mpSource);
+        mLine.effect = TextLine::Effect::Fails;  // until the element is delivered
+        mStart = mpSource->GetPosition();
         CParserError result = mpValue->Parse();
         mLine.value.end = mpSource->At().offset;
         return result;
@@ -81,6 +85,7 @@ public:
 private:
     std::unique_ptr<CValue> mpValue;
     TextLine& mLine;
+    CTextReader::Position& mStart;
 };
 
 class CIndexingParser final : public CKesParser {
@@ -101,6 +106,8 @@ public:
         } else if (mpParseContext->mpConfigContext->HasPlace()) {
             line.place = PlaceOf(*mpParseContext->mpConfigContext);
         }
+        const bool hasValue = line.effect == TextLine::Effect::Sets || line.effect == TextLine::Effect::Fails;
+        if (!result.Ok() && hasValue) line.value.end = EndOfContent(line.value.end);
         line.all.end = result.Ok() ? mpSource->At().offset : EndOfFailedLine(line.all.begin);
         return result;
     }
@@ -113,7 +120,7 @@ public:
     CValue* GetValue(const std::string& name) override {
         std::unique_ptr<CValue> value(CKesParser::GetValue(name));
         if (!value) return nullptr;
-        return new CIndexingValue(mpSource, mpParseContext, std::move(value), mLines.back());
+        return new CIndexingValue(mpSource, mpParseContext, std::move(value), mLines.back(), mValueStart);
     }
 
 private:
@@ -127,8 +134,22 @@ private:
         return end;
     }
 
+    /// Where what stands on the line of a wrong value ends, without the comment behind it; not before
+    /// `least`.
+    std::size_t EndOfContent(std::size_t least) {
+        const CTextReader::Position saved = mpSource->GetPosition();
+        std::size_t end = least;
+        mpSource->SetPosition(mValueStart);
+        for (char c = mpSource->GetChar(); !mpSource->Eof() && c != '\n'; c = mpSource->GetChar()) {
+            if (!WHITESPACE_CHARS.Holds(static_cast<unsigned char>(c))) end = mpSource->At().offset;
+        }
+        mpSource->SetPosition(saved);
+        return end;
+    }
+
     std::vector<TextLine>& mLines;
     const TextPlace& mPlace;
+    CTextReader::Position mValueStart;  ///< of the last value
 };
 
 }  // namespace

@@ -28,9 +28,10 @@ struct TextRange {
 /// One logical line of a text: with its continuation lines and the comments inside it.
 struct TextLine {
     enum class Effect : std::uint8_t {
-        None,    ///< a keyword line, or a line that failed
-        Sets,    ///< gives a key a value, also when something wrong follows it
-        Removes  ///< a key without a value
+        None,     ///< a keyword line, or a line that failed
+        Sets,     ///< gives a key a value, also when something wrong follows it
+        Removes,  ///< a key without a value
+        Fails     ///< a key whose value is refused
     };
 
     TextRange all;             ///< from the first character that is no blank, past the end of the line

@@ -62,17 +62,15 @@ private:
         for (const TextLine& line : mIndex.Lines()) {
             const auto place = mPlaceEnds.find(line.place);
             if (place == mPlaceEnds.end()) continue;
-            const bool isKey = line.effect != TextLine::Effect::None;
+            const bool isKey =
+                line.effect == TextLine::Effect::Sets || line.effect == TextLine::Effect::Removes;
             // A failed line says nothing of where the lines behind it lie.
             if ((isKey && !line.isStray) ||
                 (line.error == 0 && line.key.IsEmpty() && place->second == nullptr)) {
                 place->second = &line;
             }
-            if (!isKey) continue;
             const auto key = mKeys.find(KeyOf(line.place, line.psid, line.indices));
-            if (key == mKeys.end()) continue;
-            key->second.isThere = line.effect == TextLine::Effect::Sets;
-            if (key->second.isThere) key->second.lines.push_back(&line);
+            if (key != mKeys.end()) key->second.Take(line);
         }
     }
 
@@ -82,6 +80,8 @@ private:
             for (const TextLine* line : found.lines) RemoveLine(*line);
         } else if (found.isThere) {
             mReplacements.push_back({found.lines.back()->value, change.value});
+        } else if (found.refused != nullptr) {
+            mReplacements.push_back({found.refused->value, change.value});
         } else if (const TextLine* last = mPlaceEnds.at(change.place)) {
             AddLine(*last, change);
         } else {
@@ -158,6 +158,18 @@ private:
     struct Found {
         std::vector<const TextLine*> lines;  ///< those that give the key a value
         bool isThere = false;                ///< no later line has removed it
+        const TextLine* refused = nullptr;   ///< the last that could give it one, were it right
+
+        void Take(const TextLine& line) {
+            if (line.effect == TextLine::Effect::None) return;
+            if (line.effect == TextLine::Effect::Fails) {
+                refused = &line;
+                return;
+            }
+            isThere = line.effect == TextLine::Effect::Sets;
+            if (isThere) lines.push_back(&line);
+            refused = nullptr;
+        }
     };
 
     const CTextIndex& mIndex;

@@ -26,7 +26,8 @@ struct TextChange {
 
 /// The text after the changes, which are of different keys. All other characters stay as they are:
 ///
-/// - A changed value takes the place of the characters of the old one, in the line that counts.
+/// - A changed value takes the place of the characters of the old one, in the line that counts. So does a
+///   value of a key whose last line was refused: that mends the line.
 /// - A new key is a line behind the last line of its place; a new place is made at the end of the text.
 /// - A removed key loses every line that gives it a value in its place, each with the comment behind it.
 ///
