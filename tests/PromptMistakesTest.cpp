@@ -35,8 +35,6 @@ TEST(PromptMistakes, MessagesSayWhatWasMeant) {
         {{"set", file, "0x7FFE", "1"}, 1, "takes a raw value, as in % 0x1234 [01 02] %\n"},
         {{"get", file, "zzzz"}, 1, "has no key \"zzzz\"; \"kes keys\" lists the keys\n"},
         {{"diff", file}, 2, "two texts are compared, or one with --defaults\n"},
-        {{"diff", file, folder / "no.ktf"}, 3, folder / "no.ktf: cannot be opened: No such file"},
-        {{"unset", folder / "no.ktf", "pin_code"}, 3, folder / "no.ktf: cannot be opened: No such file"},
     };
     for (const Case& mistake : cases) {
         const Outcome outcome = RunKes(mistake.words);

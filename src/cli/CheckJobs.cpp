@@ -24,8 +24,6 @@ TextReport CheckText(TextLoader& loader, const std::string& name, bool summary, 
         TextReport report = loader.Read(file, std::move(progress));
         if (summary) report.summary = loader.Summary();
         return report;
-    } catch (const UnreadableText& failure) {
-        return FailureReport(name, failure.Reason());
     } catch (const Failure& failure) {
         return FailureReport(name, failure.what());
     }

@@ -79,9 +79,15 @@ std::vector<Assignment> ParseKeys(const std::vector<std::string>& words) {
 std::unique_ptr<TextFile> OpenText(const Globals& globals, const EditOptions& options, EditKind kind) {
     std::error_code failed;
     const bool isThere = options.file == "-" || std::filesystem::exists(options.file, failed);
-    if (isThere || kind == EditKind::Unset) return std::make_unique<TextFile>(options.file);
-    if (!options.create) {
-        throw UnreadableText(options.file, "there is no such file; --create begins a new text");
+    if (!isThere && kind != EditKind::Unset && !options.create) {
+        throw Failure(EXIT_SYSTEM, options.file + ": there is no such file; --create begins a new text");
+    }
+    if (isThere || kind == EditKind::Unset) {
+        try {
+            return std::make_unique<TextFile>(options.file);
+        } catch (const Failure& failure) {
+            throw Failure(failure.Code(), options.file + ": " + failure.what());
+        }
     }
     const Session session(globals);
     const std::string label = Text(session.FindChip(globals.chip)->SystemVersionLabel());

@@ -1,5 +1,7 @@
 #include "cli/TextFile.h"
 
+#include "cli/ExitCodes.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
@@ -70,9 +72,9 @@ TextFile::TextFile(const std::string& name, const std::string& content) : mName(
 
 void TextFile::Open() {
     std::error_code failed;
-    if (fs::is_directory(mPath, failed)) throw UnreadableText(mName, "is a directory");
+    if (fs::is_directory(mPath, failed)) throw Failure(EXIT_SYSTEM, "is a directory");
     std::ifstream file(mPath, std::ios::binary);
-    if (!file) throw UnreadableText(mName, std::string("cannot be opened: ") + std::strerror(errno));
+    if (!file) throw Failure(EXIT_SYSTEM, std::string("cannot be opened: ") + std::strerror(errno));
     mIsEmpty = file.peek() == std::char_traits<char>::eof();
     mVersion = FindVersion(file);
 }

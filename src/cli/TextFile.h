@@ -1,6 +1,5 @@
 #pragma once
 
-#include "cli/ExitCodes.h"
 #include "cli/Scratch.h"
 
 #include <cstdint>
@@ -12,20 +11,8 @@ namespace kes::cli {
 /// The bytes of a file; what can be read of them.
 std::string ReadWhole(const std::string& path);
 
-/// A text that cannot be read.
-class UnreadableText : public Failure {
-public:
-    UnreadableText(const std::string& name, const std::string& reason)
-        : Failure(EXIT_SYSTEM, name + ": " + reason), mReason(reason) {}
-    /// Without the name of the text.
-    const std::string& Reason() const { return mReason; }
-
-private:
-    std::string mReason;
-};
-
 /// A configuration text as the command was given it: a file, or "-" for standard input, which is kept in a
-/// temporary file. Throws `UnreadableText`.
+/// temporary file. Throws `Failure` when it cannot be read.
 class TextFile {
 public:
     explicit TextFile(const std::string& name);
