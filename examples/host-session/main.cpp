@@ -105,7 +105,7 @@ int RunSession(const HostString& label, const char* file, const char* newFile) {
         std::cout << "  " << psid << ", " << record->Label() << '\n';
     }
 
-    // Without `readsBack`, unknown keys and texts come out in forms for people only.
+    // Without `readsBack`, unknown keys would not read back, and texts would be octets.
     if (!facade.SaveText(newFile, TextForm{.simple = false, .readsBack = true})) return Failed(newFile);
     return 0;
 }

@@ -65,7 +65,7 @@ public:
     /// good ones are in the configuration although the result is false.
     bool LoadText(const HostString& filePath, bool merge);
     /// Writes the configuration as a text file; one that is there is replaced. The configuration stays as it
-    /// is. Unknown keys and texts come out in forms that do not read back, see `TextForm::readsBack`. After a
+    /// is. Unknown keys come out in a form that does not read back, texts as octets; see `TextForm`. After a
     /// failure the file may hold a part of it.
     bool SaveText(const HostString& filePath);
     /// The same in a form of the host's choice.
@@ -105,7 +105,7 @@ public:
                         std::int32_t layer);
     /// Sets a key, which replaces all that the place holds of it. `device` is otp, smem, mtp or eeprom; on
     /// eeprom `store` is 1 to 15. `value` is what a text has behind "=": an empty one removes the key, and
-    /// what follows a newline in it is a line of its own. A refused one changes nothing; the place in its
+    /// what follows a newline in it is a line of its own. A refused line changes nothing; the place in its
     /// message is that in a text made for the purpose. A layer of 0 or less is refused without a message.
     bool SetValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                   std::int32_t device, std::int32_t store, std::int32_t layerIndex, const HostString& value);
