@@ -43,8 +43,8 @@ void CheckValue(const std::string& key, const std::string& value) {
     }
 }
 
-[[noreturn]] void FailOnBlanks(const std::string& words) {
-    throw Failure(EXIT_USAGE, "write KEY VALUE, KEY=VALUE or KEY = VALUE, not " + words);
+[[noreturn]] void FailOnBlanks(const std::string& word, const std::string& next) {
+    throw Failure(EXIT_USAGE, "write KEY VALUE, KEY=VALUE or KEY = VALUE, not " + word + " " + next);
 }
 
 /// KEY VALUE, KEY=VALUE and KEY = VALUE, any number of them in a row.
@@ -56,12 +56,12 @@ std::vector<Assignment> ParseAssignments(const std::vector<std::string>& words) 
         std::string value;
         if (equals != std::string::npos) {
             value = words[i].substr(equals + 1);
-            if (value.empty() && i + 1 < words.size()) FailOnBlanks(words[i] + " " + words[i + 1]);
+            if (value.empty() && i + 1 < words.size()) FailOnBlanks(words[i], words[i + 1]);
         } else {
             if (i + 1 < words.size() && words[i + 1] == "=") ++i;
             if (++i == words.size()) throw Failure(EXIT_USAGE, "no value is given for " + key);
             value = words[i];
-            if (value.starts_with('=')) FailOnBlanks(key + " " + value);
+            if (value.starts_with('=')) FailOnBlanks(key, value);
         }
         value.erase(0, value.find_first_not_of(BLANKS));
         CheckValue(key, value);
@@ -72,6 +72,7 @@ std::vector<Assignment> ParseAssignments(const std::vector<std::string>& words) 
 
 std::vector<Assignment> ParseKeys(const std::vector<std::string>& words) {
     std::vector<Assignment> keys;
+    keys.reserve(words.size());
     for (const std::string& word : words) keys.push_back({KeyAddress(word), {}});
     return keys;
 }

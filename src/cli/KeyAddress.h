@@ -24,7 +24,7 @@ std::optional<std::uint32_t> ParseKeyNumber(std::string_view text);
 /// "tx_power_limit.0.1".
 struct KeyAddress {
     /// Throws `Failure` for a text that cannot be a key.
-    explicit KeyAddress(const std::string& text);
+    explicit KeyAddress(const std::string& given);
 
     std::string text;  ///< as it was given
     std::string name;  ///< empty for a number

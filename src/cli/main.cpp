@@ -52,7 +52,8 @@ std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {
         if (!word.starts_with("--") || word == "--") continue;
         const std::string option = word.substr(0, word.find('='));
         const std::string near = DidYouMean(option, OptionsOf(*chosen));
-        return "unknown option \"" + option + "\"" + (near.empty() ? "" : ", " + near) + hint;
+        std::string text = "unknown option \"" + option;
+        return text.append(near.empty() ? "\"" : "\", ").append(near).append(hint);
     }
     std::vector<std::string> names;
     for (const CLI::App* command : chosen->get_subcommands(nullptr)) names.push_back(command->get_name());
