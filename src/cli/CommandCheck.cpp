@@ -97,10 +97,6 @@ void AddCheck(CLI::App& app, Globals& globals) {
         ->check(CLI::Range(std::size_t{0}, MOST_JOBS))
         ->option_text("N");
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
-    command->get_option("--chip")->description(
-        "Firmware system, by its version label (environment: KES_CHIP; without both: the one that the "
-        "\"version\" "
-        "line of the text names, or else the first of the database)");
     AddExamples(*command, {{"kes check board.ktf", "No output and exit code 0 when the text is good"},
                            {"kes check -v *.ktf", "Several texts, and what was found in them"}});
     command->footer(

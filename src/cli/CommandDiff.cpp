@@ -95,7 +95,8 @@ void Print(const Difference& difference) {
 
 int Run(const Globals& globals, const DiffOptions& options) {
     if (options.files.size() != (options.defaults ? 1U : 2U)) {
-        throw Failure(EXIT_USAGE, options.defaults ? "--defaults takes one text" : "two texts are compared");
+        throw Failure(EXIT_USAGE, options.defaults ? "--defaults takes one text"
+                                                   : "two texts are compared, or one with --defaults");
     }
     if (!options.defaults && options.files.front() == "-" && options.files.back() == "-") {
         throw Failure(EXIT_USAGE, "standard input can be given once");

@@ -29,6 +29,8 @@ struct EditOptions {
     bool create = false;
 };
 
+constexpr const char* BLANKS = " \t";
+
 void CheckValue(const std::string& key, const std::string& value) {
     if (value.find_first_of(std::string("\r\n\0", 3)) != std::string::npos) {
         throw Failure(EXIT_USAGE, "the value of " + key + " must be one line");
@@ -37,10 +39,14 @@ void CheckValue(const std::string& key, const std::string& value) {
         throw Failure(EXIT_USAGE,
                       "the value of " + key + " must be one line; a backslash at its end joins the next");
     }
-    if (value.find_first_not_of(" \t") == std::string::npos) {
+    if (value.find_first_not_of(BLANKS) == std::string::npos) {
         throw Failure(EXIT_USAGE, "the value of " + key +
                                       " is empty: \"kes unset\" takes a key out; the empty text is '\"\"'");
     }
+}
+
+[[noreturn]] void FailOnBlanks(const std::string& word, const std::string& next) {
+    throw Failure(EXIT_USAGE, "write KEY VALUE, KEY=VALUE or KEY = VALUE, not " + word + " " + next);
 }
 
 /// KEY VALUE, KEY=VALUE and KEY = VALUE, any number of them in a row.
@@ -52,11 +58,14 @@ std::vector<Assignment> ParseAssignments(const std::vector<std::string>& words) 
         std::string value;
         if (equals != std::string::npos) {
             value = words[i].substr(equals + 1);
+            if (value.empty() && i + 1 < words.size()) FailOnBlanks(words[i], words[i + 1]);
         } else {
             if (i + 1 < words.size() && words[i + 1] == "=") ++i;
             if (++i == words.size()) throw Failure(EXIT_USAGE, "no value is given for " + key);
             value = words[i];
+            if (value.starts_with('=')) FailOnBlanks(key, value);
         }
+        value.erase(0, value.find_first_not_of(BLANKS));
         CheckValue(key, value);
         assignments.push_back({KeyAddress(key), value});
     }
@@ -70,20 +79,28 @@ std::vector<Assignment> ParseKeys(const std::vector<std::string>& words) {
     return keys;
 }
 
-TextFile OpenOrBegin(const Globals& globals, const EditOptions& options) {
+TextFile OpenOrBegin(const Globals& globals, const EditOptions& options, EditKind kind) {
     std::error_code failed;
-    if (options.file == "-" || !options.create || std::filesystem::exists(options.file, failed)) {
-        return OpenText(options.file);
+    const bool isThere = options.file == "-" || std::filesystem::exists(options.file, failed);
+    if (isThere || kind == EditKind::Unset) return OpenText(options.file);
+    if (!options.create) {
+        throw Failure(EXIT_SYSTEM, options.file + ": there is no such file; --create begins a new text");
     }
     const Session session(globals);
     const std::string label = Text(session.FindChip(globals.chip)->SystemVersionLabel());
+    if (globals.chip.empty() && session.Chips().size() > 1) {
+        Diagnostics(globals.noColor)
+            .Report(options.file, "note",
+                    "begun as a text of " + label +
+                        ", the first of the database; choose another system with --chip");
+    }
     return {options.file, "version = " + label + "\n"};
 }
 
 int Run(const Globals& globals, const EditOptions& options, EditKind kind) {
     const std::vector<Assignment> assignments =
         kind == EditKind::Unset ? ParseKeys(options.words) : ParseAssignments(options.words);
-    const TextFile file = OpenOrBegin(globals, options);
+    const TextFile file = OpenOrBegin(globals, options, kind);
     const bool isNew = !std::filesystem::exists(options.file) && options.file != "-";
     TextEditor editor(globals, file, options.place);
     const std::optional<std::string> edited = editor.Edit(kind, assignments);
@@ -150,7 +167,7 @@ constexpr const char* PROOF =
 constexpr const char* PAIRS =
     "Names or numbers of keys, each with its value: KEY VALUE or KEY=VALUE. A value is what a text has "
     "behind "
-    "\"=\"";
+    "\"=\"; single quotes keep blanks, quotes, braces and brackets from the shell";
 
 }  // namespace
 
@@ -159,7 +176,8 @@ void AddSet(CLI::App& app, Globals& globals) {
     AddExamples(*command,
                 {{"kes set board.ktf max_acl_links 3", "Set one key"},
                  {"kes set board.ktf local_name='\"Kitchen\"' tx_power_limit.0.1=68", "Set several, or none"},
-                 {"kes set board.ktf pa_type EXTERNAL -n", "See what would change"},
+                 {"kes set board.ktf channels_2g4 '{1, 6, 11}'", "Set an array"},
+                 {"kes set board.ktf pa_type EXTERNAL_SINGLE -n", "See what would change"},
                  {"kes set new.ktf --create --device smem --store 1 max_acl_links 3", "Begin a text"}});
     command->footer(
         std::string("A key that is there gets the new value; one that is not is added behind the last "

@@ -4,6 +4,7 @@
 
 #include "cli/Complete.h"
 
+#include "cli/DeviceNames.h"
 #include "cli/ExitCodes.h"
 #include "cli/Help.h"
 #include "cli/KeyText.h"
@@ -34,8 +35,6 @@ constexpr struct {
                {"KEY", Source::KEYS},        {"COMMAND", Source::COMMANDS},     {"DIR", Source::FOLDERS},
                {"PATTERN", Source::NOTHING}, {"VALUE", Source::NOTHING},        {"TEXT", Source::NOTHING},
                {"INT", Source::NOTHING},     {"UINT", Source::NOTHING}};
-
-constexpr const char* DEVICES[] = {"rom", "otp", "smem", "mtp", "eeprom"};
 
 /// "subsystem" and "KEY=VALUE" as the table has them.
 std::string TableWord(const std::string& name) {
@@ -224,7 +223,7 @@ private:
                 std::cout << ":folders\n";
                 return;
             case Source::DEVICES:
-                for (const char* device : DEVICES) Offer(device, "");
+                for (const auto& [name, number] : DEVICE_NAMES) Offer(std::string(name), "");
                 return;
             case Source::COMMANDS:
                 return HelpTopics();

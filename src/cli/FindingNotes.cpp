@@ -15,6 +15,7 @@ using VemoKesConfigTools::TextFinding;
 
 /// The kinds of findings that need help. The numbers are stable.
 enum Code : std::int32_t {
+    VALUE_NOT_SUPPORTED = 1,
     MISSING_OPENING_BRACE = 9,
     MISSING_CLOSING_BRACE = 10,
     MISSING_COMMA = 11,
@@ -52,6 +53,11 @@ std::string Choices(const std::vector<std::string>& names, const std::string& ke
 }
 
 bool IsStruct(const api::Metadata& key) { return key.Details() && key.Details()->StructFields(); }
+
+/// Whether a key that the metadata does not know, given by its number, has another value than a raw one.
+bool IsUnknownNumber(const TextFinding& said) {
+    return said.key.starts_with("Id: ") && (said.code == UNKNOWN_NAME || said.code == VALUE_NOT_SUPPORTED);
+}
 
 /// One value of a key, as it is to be written.
 std::string ItemText(const api::Metadata& key) {
@@ -129,6 +135,11 @@ void AddNearValues(const TextFinding& said, std::string_view line, Finding& find
 
 void FindingNotes::Add(const api::Chip& chip, const TextFinding& said, std::string_view line,
                        Finding& finding) {
+    if (IsUnknownNumber(said)) {
+        finding.notes.emplace_back(
+            "a number that the metadata does not know takes a raw value, as in % 0x1234 [01 02] %");
+        return;
+    }
     switch (said.code) {
         case UNKNOWN_NAME:
         case NO_KEY_NUMBER:

@@ -48,8 +48,8 @@ void AddDatabaseOptions(CLI::App& command, Globals& globals, bool withChip) {
     command
         .add_option(
             "--chip", globals.chip,
-            "Firmware system, by its version label (environment: KES_CHIP; without both: the first of the "
-            "database)")
+            "Firmware system, by its version label (environment: KES_CHIP; without both: the one that the "
+            "\"version\" line of the text names, or else the first of the database)")
         ->type_name("LABEL");
 }
 

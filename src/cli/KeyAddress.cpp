@@ -110,7 +110,7 @@ std::vector<KeyCandidate> FindCandidates(Session& session, const api::Chip& chip
                   Text(chip.SystemVersionLabel()) + " has no key \"" + address.name + "\"" +
                       (filter.Subsystems().size() == 1 ? " in " + Text(filter.Subsystems().front()->Name())
                                                        : std::string()) +
-                      (near.empty() ? "" : ", " + near));
+                      (near.empty() ? "; \"kes keys\" lists the keys" : ", " + near));
 }
 
 std::vector<std::shared_ptr<api::KeyValue>> FindValues(api::FrameworkFacade& facade,

@@ -108,14 +108,18 @@ std::vector<std::shared_ptr<api::Subsystem>> SubsystemsNamed(Session& session, c
     std::vector<std::shared_ptr<api::Subsystem>> all = session.Subsystems(chip);
     if (name.empty()) return all;
     std::vector<std::string> names;
+    std::vector<std::string> words;
     for (const auto& subsystem : all) {
         if (VemoKesConfigTools::EqualsIgnoringCase(name, Text(subsystem->Name())) ||
             VemoKesConfigTools::EqualsIgnoringCase(name, Text(subsystem->Alias()))) {
             return {subsystem};
         }
         names.push_back(Text(subsystem->Name()));
+        for (const auto* word : {&subsystem->Name(), &subsystem->Alias()}) {
+            if (!word->IsNullOrEmpty()) words.push_back(Text(*word));
+        }
     }
-    const std::string near = DidYouMean(name, names);
+    const std::string near = DidYouMean(name, words);
     std::string list;
     for (const std::string& known : names) list += (list.empty() ? "" : ", ") + known;
     throw Failure(EXIT_USAGE, Text(chip.SystemVersionLabel()) + " has no subsystem \"" + name + "\"" +

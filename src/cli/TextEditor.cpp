@@ -40,6 +40,15 @@ std::string WordOf(const api::Subsystem& subsystem) {
     return Text(subsystem.Alias().IsNullOrEmpty() ? subsystem.Name() : subsystem.Alias());
 }
 
+/// The words of an assignment whose text has lost its quotes to the shell, with quotes that stay; empty for
+/// any other.
+std::string QuotedForShell(std::int32_t finding, const Assignment& assignment) {
+    constexpr std::int32_t MISSING_QUOTE = 16;
+    // Of a value with any of these nobody can say where the quotes were.
+    if (finding != MISSING_QUOTE || assignment.value.find_first_of("\"'\\{") != std::string::npos) return {};
+    return assignment.key.text + "='\"" + assignment.value + "\"'";
+}
+
 /// The first error of `after` that `before` does not have, in this order.
 std::optional<std::size_t> FirstNew(const std::vector<std::string>& before,
                                     const std::vector<std::string>& after) {
@@ -151,7 +160,8 @@ TextEditor::Target TextEditor::FindRoom(const PlaceFilter& filter, const KeyAddr
                                   : std::string("a subsystem that could have ") + address.text;
     throw Failure(EXIT_USAGE, mFile.Name() + " has no place of " + where +
                                   " yet; say where the key is to go with " +
-                                  (candidates.size() == 1 ? "" : "--subsystem, ") + "--device and --store");
+                                  (candidates.size() == 1 ? "" : "--subsystem, ") +
+                                  "--device and --store, as in --device smem --store 1");
 }
 
 TextChange TextEditor::ToTextChange(EditKind kind, const Target& target, const Assignment& assignment) {
@@ -193,6 +203,8 @@ bool TextEditor::Change(EditKind kind, const Target& target, const Assignment& a
     }
     for (const auto& finding : listener.Findings()) {
         Refuse(what + finding.text + (finding.detail.empty() ? "" : ": " + finding.detail));
+        if (const std::string quoted = QuotedForShell(finding.code, assignment); !quoted.empty())
+            mLoader.Messages().Report(mFile.Name(), "note", "the shell takes quotes away; write " + quoted);
         for (const std::string& note : mLoader.NotesOn(finding))
             mLoader.Messages().Report(mFile.Name(), "note", note);
     }

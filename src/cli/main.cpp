@@ -22,14 +22,41 @@ constexpr void (*COMMANDS[])(CLI::App&, Globals&) = {
     AddDiff,       AddRewrite, AddDefaults, AddStores,   AddRaw,        AddChips,
     AddSubsystems, AddKeys,    AddDescribe, AddMetadata, AddCompletion, AddHelp};
 
+/// The words in the order that CLI11 wants, the last first. It would split "[00, 11]", which can be a value,
+/// at its commas and take the brackets away; a blank in front keeps it whole.
+std::vector<std::string> ForParser(const std::vector<std::string>& words) {
+    std::vector<std::string> reversed(words.rbegin(), words.rend());
+    for (std::string& word : reversed) {
+        if (word.starts_with('[') && word.ends_with(']')) word.insert(0, " ");
+    }
+    return reversed;
+}
+
+/// "--output" and all other options of a command with a long name.
+std::vector<std::string> OptionsOf(const CLI::App& command) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : command.get_options()) {
+        for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    }
+    return names;
+}
+
 /// What is wrong with the command line. A word that is no command tells more than that one is missing.
 std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {
     const CLI::App* chosen = &app;
     while (!chosen->get_subcommands().empty()) chosen = chosen->get_subcommands().front();
     const std::string hint = "\nsee " + CommandPath(*chosen) + " --help";
+    // What a command does not take goes up to the application.
+    const std::vector<std::string> extras = app.remaining(/*recurse=*/true);
+    for (const std::string& word : extras) {
+        if (!word.starts_with("--") || word == "--") continue;
+        const std::string option = word.substr(0, word.find('='));
+        const std::string near = DidYouMean(option, OptionsOf(*chosen));
+        std::string text = "unknown option \"" + option;
+        return text.append(near.empty() ? "\"" : "\", ").append(near).append(hint);
+    }
     std::vector<std::string> names;
     for (const CLI::App* command : chosen->get_subcommands(nullptr)) names.push_back(command->get_name());
-    const std::vector<std::string> extras = chosen->remaining();
     if (names.empty() || extras.empty() || extras.front().starts_with('-')) return error.what() + hint;
     const std::string near = DidYouMean(extras.front(), names);
     return "unknown command \"" + extras.front() + "\"" + (near.empty() ? "" : ", " + near) + hint;
@@ -74,7 +101,7 @@ int Run(int argc, char** argv) {
     }
     if (words.size() == 2 && words[0] == "__man") return WriteManPages(app, words[1]);
     try {
-        app.parse(argc, argv);
+        app.parse(ForParser(words));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() != 0) throw Failure(EXIT_USAGE, UsageError(app, error));
         app.exit(error);

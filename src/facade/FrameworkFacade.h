@@ -65,7 +65,8 @@ public:
     /// good ones are in the configuration although the result is false.
     bool LoadText(const HostString& filePath, bool merge);
     /// Writes the configuration as a text file; one that is there is replaced. The configuration stays as it
-    /// is. After a failure the file may hold a part of it.
+    /// is. Unknown keys come out in a form that does not read back, texts as octets; see `TextForm`. After a
+    /// failure the file may hold a part of it.
     bool SaveText(const HostString& filePath);
     /// The same in a form of the host's choice.
     bool SaveText(const HostString& filePath, const TextForm& form);
@@ -98,12 +99,14 @@ public:
     bool HasValue(const SubsystemRef& subsystem, std::int32_t psId, std::int32_t layer,
                   const IndexListRef& indexes) const;
     /// A key as the lines of a text: its label in a comment, name, " = " and value, newline. Null for a key
-    /// that is not there; a default is no value. Of several places the one met last counts.
+    /// that is not there; a default is no value. Of several places the one met last counts. `GetValues` has
+    /// the value alone.
     HostString GetValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                         std::int32_t layer);
     /// Sets a key, which replaces all that the place holds of it. `device` is otp, smem, mtp or eeprom; on
     /// eeprom `store` is 1 to 15. `value` is what a text has behind "=": an empty one removes the key, and
-    /// what follows a newline in it is a line of its own. A layer of 0 or less is refused without a message.
+    /// what follows a newline in it is a line of its own. A refused line changes nothing; the place in its
+    /// message is that in a text made for the purpose. A layer of 0 or less is refused without a message.
     bool SetValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                   std::int32_t device, std::int32_t store, std::int32_t layerIndex, const HostString& value);
     /// The same, but the key goes behind those that the place holds of it. An empty value adds a key without
@@ -114,7 +117,8 @@ public:
     /// is not there.
     bool RemoveValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                      std::int32_t device, std::int32_t store);
-    /// All keys of the configuration, place by place in their order. Null once the facade is released.
+    /// All keys of the configuration, place by place in their order, with those defaults that have been
+    /// loaded. Null once the facade is released.
     HostListRef<std::shared_ptr<KeyValue>> GetValues();
     /// One key as each place holds it, the newest where there are several. Empty when it is nowhere, null
     /// once the facade is released.

@@ -37,7 +37,7 @@ public:
     const IndexList& Indexes() const { return mIndexes; }
     /// The value in one line, in a form that reads back; empty for a key without a value.
     const HostString& Value() const { return mValue; }
-    /// The default in the same form; null for a key without one.
+    /// The default in the same form; null for a key without one, and while none have been loaded.
     const HostString& Default() const { return mDefault; }
     /// Whether value and default are equal.
     bool IsDefault() const { return mIsDefault; }

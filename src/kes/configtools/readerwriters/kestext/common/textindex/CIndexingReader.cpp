@@ -5,6 +5,7 @@
 #include "model/CElement.h"
 #include "model/CKesContext.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -106,9 +107,9 @@ public:
         } else if (mpParseContext->mpConfigContext->HasPlace()) {
             line.place = PlaceOf(*mpParseContext->mpConfigContext);
         }
-        const bool hasValue = line.effect == TextLine::Effect::Sets || line.effect == TextLine::Effect::Fails;
-        if (!result.Ok() && hasValue) line.value.end = EndOfContent(line.value.end);
         line.all.end = result.Ok() ? mpSource->At().offset : EndOfFailedLine(line.all.begin);
+        const bool hasValue = line.effect == TextLine::Effect::Sets || line.effect == TextLine::Effect::Fails;
+        if (!result.Ok() && hasValue) line.value.end = EndOfContent(line);
         return result;
     }
     CName* GetName() override {
@@ -134,14 +135,17 @@ private:
         return end;
     }
 
-    /// Where what stands on the line of a wrong value ends, without the comment behind it; not before
-    /// `least`.
-    std::size_t EndOfContent(std::size_t least) {
+    /// Where what stands on the line of a wrong value ends, without the comment behind it.
+    std::size_t EndOfContent(const TextLine& line) {
         const CTextReader::Position saved = mpSource->GetPosition();
-        std::size_t end = least;
+        // A value that was not complete may have taken the end of the line.
+        std::size_t end = line.value.end < line.all.end ? line.value.end : line.value.begin;
         mpSource->SetPosition(mValueStart);
         for (char c = mpSource->GetChar(); !mpSource->Eof() && c != '\n'; c = mpSource->GetChar()) {
-            if (!WHITESPACE_CHARS.Holds(static_cast<unsigned char>(c))) end = mpSource->At().offset;
+            // What begins a comment here may have been in quotes to the value.
+            if (mpSource->At().offset > line.all.end) break;
+            if (!WHITESPACE_CHARS.Holds(static_cast<unsigned char>(c)))
+                end = std::max(end, mpSource->At().offset);
         }
         mpSource->SetPosition(saved);
         return end;
