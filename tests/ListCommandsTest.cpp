@@ -90,7 +90,7 @@ TEST_F(Reading, AnswersInTextOnStandardOutputAlone) {
         {"kes list g --device otp", 0, ""},
         {"kes list empty", 0, "", "empty: warning: The text file is zero length"},
         {"kes raw f", 0, "SUBSYSTEM  DEVICE  STORE  KEY   VALUE\nbt         eeprom  1      4480  % 0x01 %\n",
-         "f: note: the rest of the text is used; 2 lines were left out\n"},
+         "f: note: 2 lines have errors; the rest of the text is used\n"},
         {"kes raw g --subsystem wlan", 0, ""},
         {"kes stores f", 0,
          "DEVICE  STORE  KEYS  SUBSYSTEMS\nsmem    4      1     bt\neeprom  1      6     bt, wlan\n",
