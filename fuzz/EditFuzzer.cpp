@@ -7,8 +7,11 @@ namespace {
 
 using namespace KesFuzz;
 
-/// Whether the end of the text takes no further line: inside a comment, or cut off.
-bool EndIsOpen(const std::string& text) { return text.find("/*") != std::string::npos; }
+/// Whether the end of the text takes no further line: it is inside a comment, or in the middle of a line,
+/// which may be wrong in another way when it is complete.
+bool EndIsOpen(const std::string& text) {
+    return text.find("/*") != std::string::npos || !text.ends_with('\n');
+}
 
 }  // namespace
 

@@ -105,9 +105,11 @@ int Run(const Globals& globals, const DiffOptions& options) {
     std::vector<Values> values;
     Json document = JsonDocument("diff");
     document["files"] = options.files;
+    Json& systems = document["systems"] = Json::array();
     for (const std::string& name : options.files) {
         const TextFile file = OpenText(name);
         if (const ExitCode loaded = loader.LoadWhatIsGood(file); loaded != EXIT_FINE) return loaded;
+        systems.push_back(Text(loader.Chip()->SystemVersionLabel()));
         const PlaceFilter filter(loader.Library(), *loader.Chip(), options.place);
         if (options.defaults) loader.LoadDefaults(filter.Subsystems());
         values.push_back(ValuesIn(loader.Facade(), filter));

@@ -99,9 +99,9 @@ std::vector<KeyCandidate> FindCandidates(Session& session, const api::Chip& chip
         const std::shared_ptr<api::Metadata> key =
             session.FindKey(chip, *subsystem, address.name, address.number);
         if (key) {
-            candidates.push_back({subsystem, key->Psid(), Text(key->Name())});
+            candidates.push_back({subsystem, key->Psid(), Text(key->Name()), key});
         } else if (address.number) {
-            candidates.push_back({subsystem, static_cast<std::int32_t>(*address.number), {}});
+            candidates.push_back({subsystem, static_cast<std::int32_t>(*address.number), {}, nullptr});
         }
     }
     if (!candidates.empty()) return candidates;
@@ -111,6 +111,24 @@ std::vector<KeyCandidate> FindCandidates(Session& session, const api::Chip& chip
                       (filter.Subsystems().size() == 1 ? " in " + Text(filter.Subsystems().front()->Name())
                                                        : std::string()) +
                       (near.empty() ? "; \"kes keys\" lists the keys" : ", " + near));
+}
+
+void CheckIndexes(const KeyCandidate& candidate, const KeyAddress& address) {
+    if (!candidate.record) return;
+    const std::string shape = candidate.name + IndexSuffix(*candidate.record);
+    std::size_t number = 0;
+    for (const auto& index : candidate.record->TableIndexes()) {
+        const std::string range = Text(index->Name()) + " is " + std::to_string(index->Min()) + " to " +
+                                  std::to_string(index->Max());
+        if (address.indexes.empty()) {
+            throw Failure(EXIT_FINDINGS, address.text + " is a table: give " + shape + ", where " + range);
+        }
+        if (number == address.indexes.size()) return;
+        const auto value = static_cast<std::uint32_t>(address.indexes[number++]);
+        if (value < index->Min() || value > index->Max()) {
+            throw Failure(EXIT_FINDINGS, "the table " + shape + " has no " + address.text + ": " + range);
+        }
+    }
 }
 
 std::vector<std::shared_ptr<api::KeyValue>> FindValues(api::FrameworkFacade& facade,

@@ -68,13 +68,18 @@ private:
 struct KeyCandidate {
     std::shared_ptr<api::Subsystem> subsystem;
     std::int32_t psid = 0;
-    std::string name;  ///< empty for a number that the metadata does not know
+    std::string name;                       ///< empty for a number that the metadata does not know
+    std::shared_ptr<api::Metadata> record;  ///< null for such a number
 };
 
 /// The keys that an address may mean, one at most in each subsystem. A number may be a key that the metadata
 /// does not know; throws `Failure` for a name that it does not know.
 std::vector<KeyCandidate> FindCandidates(Session& session, const api::Chip& chip, const PlaceFilter& filter,
                                          const KeyAddress& address);
+
+/// Throws `Failure` for indexes that a key is not to have, where the text format would take them: none, or
+/// one beyond its range.
+void CheckIndexes(const KeyCandidate& candidate, const KeyAddress& address);
 
 /// The values that a configuration holds of the candidates, in the places of the filter.
 std::vector<std::shared_ptr<api::KeyValue>> FindValues(api::FrameworkFacade& facade,

@@ -15,6 +15,8 @@ namespace {
 using VemoKesConfigTools::TextChange;
 using VemoKesConfigTools::TextPlace;
 
+// A text is read as it was, for its index, and as it is after the change.
+constexpr std::uint64_t ROUNDS = 3;
 constexpr std::int32_t LAYER = api::LayerIndexVals::Minimum;
 constexpr std::int32_t FILE_STORE_FIRST = 1;
 constexpr std::int32_t FILE_STORE_LAST = 15;
@@ -64,7 +66,12 @@ std::optional<std::size_t> FirstNew(const std::vector<std::string>& before,
 }  // namespace
 
 TextEditor::TextEditor(const Globals& globals, const TextFile& file, const PlaceOptions& place)
-    : mGlobals(globals), mFile(file), mPlace(place), mLoader(globals) {}
+    : mGlobals(globals), mFile(file), mPlace(place), mLoader(globals), mBar(file.Size() * ROUNDS) {}
+
+/// Shows how far the whole work is, of which a round is one reading of the text.
+std::function<void(std::uint64_t)> TextEditor::Progress(std::uint64_t round) {
+    return [this, before = mFile.Size() * round](std::uint64_t bytes) { mBar.Show(before + bytes); };
+}
 
 std::optional<std::string> TextEditor::Edit(EditKind kind, const std::vector<Assignment>& assignments) {
     if (!Load()) return std::nullopt;
@@ -85,6 +92,7 @@ std::optional<std::string> TextEditor::Edit(EditKind kind, const std::vector<Ass
     for (std::size_t i = 0; i < assignments.size(); ++i) {
         if (!Change(kind, targets[i], assignments[i])) return std::nullopt;
     }
+    const Listener watching(Progress(1));
     const VemoKesConfigTools::CTextIndex index(mBefore, mGlobals.database,
                                                Text(mLoader.Chip()->SystemVersionLabel()));
     return EditText(index, changes);
@@ -92,8 +100,9 @@ std::optional<std::string> TextEditor::Edit(EditKind kind, const std::vector<Ass
 
 bool TextEditor::Load() {
     mBefore = ReadWhole(mFile.Path());
-    const TextReport report = mLoader.Read(mFile);
+    const TextReport report = mLoader.Read(mFile, Progress(0));
     if (report.exit == EXIT_SYSTEM) {
+        mBar.Erase();
         PrintMessages(report, mLoader.Messages());
         mResult = EXIT_SYSTEM;
         return false;
@@ -141,6 +150,7 @@ TextEditor::Target TextEditor::FindRoom(const PlaceFilter& filter, const KeyAddr
             list += "\n  " + TextOf(at);
         }
     }
+    for (const KeyCandidate& candidate : candidates) CheckIndexes(candidate, address);
     if (rooms.size() == 1) return rooms.front();
     if (!rooms.empty()) {
         throw Failure(EXIT_USAGE,
@@ -233,7 +243,7 @@ bool TextEditor::ChangeByText(const Target& target, const Assignment& assignment
 bool TextEditor::Proves(const std::string& path) {
     api::FrameworkFacade again(mGlobals.database);
     again.OwningChip(mLoader.Chip());
-    const Listener listener;
+    const Listener listener(Progress(2));
     again.LoadText(path, /*merge=*/false);
     std::vector<std::string> errors;
     for (const auto& finding : listener.Findings()) errors.push_back(finding.Message());
@@ -252,6 +262,7 @@ bool TextEditor::Proves(const std::string& path) {
 }
 
 void TextEditor::Refuse(const std::string& text) {
+    mBar.Erase();
     mLoader.Messages().Report(mFile.Name(), "error", text);
     mResult = EXIT_FINDINGS;
 }

@@ -1,10 +1,13 @@
 #pragma once
 
 #include "cli/KeyAddress.h"
+#include "cli/ProgressBar.h"
 #include "cli/TextFile.h"
 #include "cli/TextLoader.h"
 #include "kes/configtools/readerwriters/kestext/common/textindex/EditText.h"
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,6 +46,7 @@ private:
         VemoKesConfigTools::TextPlace place;
     };
 
+    std::function<void(std::uint64_t)> Progress(std::uint64_t round);
     bool Load();
     Target FindTarget(EditKind kind, const PlaceFilter& filter, const KeyAddress& address);
     Target FindRoom(const PlaceFilter& filter, const KeyAddress& address,
@@ -58,6 +62,7 @@ private:
     const TextFile& mFile;
     PlaceOptions mPlace;
     TextLoader mLoader;
+    ProgressBar mBar;
     std::string mBefore;
     std::vector<std::string> mErrorsBefore;
     ExitCode mResult = EXIT_FINE;

@@ -12,6 +12,24 @@ namespace kes::cli {
 
 using VemoKesConfigTools::TextFinding;
 
+namespace {
+
+// Kinds of findings that end the reading.
+constexpr std::int32_t UNKNOWN_SUBSYSTEM = 12;
+constexpr std::int32_t SUBSYSTEM_NOT_SET = 27;
+
+std::string WhatIsUsed(const std::vector<Finding>& findings) {
+    const Finding& last = findings.back();
+    if (last.code == UNKNOWN_SUBSYSTEM || last.code == SUBSYSTEM_NOT_SET) {
+        return "the reading ended at line " + std::to_string(last.line) + "; what follows it is not used";
+    }
+    return std::to_string(findings.size()) +
+           (findings.size() == 1 ? " line has an error" : " lines have errors") +
+           "; the rest of the text is used";
+}
+
+}  // namespace
+
 TextLoader::TextLoader(const Globals& globals)
     : mChosenChip(globals.chip),
       mSession(globals),
@@ -33,15 +51,10 @@ ExitCode TextLoader::LoadWhatIsGood(const TextFile& file) {
         PrintMessages(report, mDiagnostics);
         return report.exit;
     }
-    const std::size_t count = report.findings.size();
+    if (!report.findings.empty()) report.notes.push_back(WhatIsUsed(report.findings));
     for (const std::string& error : report.errors) report.findings.emplace_back().message = error;
     report.errors.clear();
     for (Finding& finding : report.findings) finding.severity = "warning";
-    if (count != 0) {
-        report.notes.push_back(std::to_string(count) +
-                               (count == 1 ? " line has an error" : " lines have errors") +
-                               "; the rest of the text is used");
-    }
     PrintMessages(report, mDiagnostics);
     return EXIT_FINE;
 }

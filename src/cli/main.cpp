@@ -41,6 +41,15 @@ std::vector<std::string> OptionsOf(const CLI::App& command) {
     return names;
 }
 
+/// The message about a word in place of one of the commands of `command`.
+std::string UnknownCommand(const CLI::App& command, const std::string& word) {
+    std::vector<std::string> names;
+    for (const CLI::App* one : CommandsOf(command)) names.push_back(one->get_name());
+    const std::string near = DidYouMean(word, names);
+    return "unknown command \"" + word + "\"" + (near.empty() ? "" : ", " + near) + "\nsee " +
+           CommandPath(command) + " --help";
+}
+
 /// What is wrong with the command line. A word that is no command tells more than that one is missing.
 std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {
     const CLI::App* chosen = &app;
@@ -55,11 +64,9 @@ std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {
         std::string text = "unknown option \"" + option;
         return text.append(near.empty() ? "\"" : "\", ").append(near).append(hint);
     }
-    std::vector<std::string> names;
-    for (const CLI::App* command : chosen->get_subcommands(nullptr)) names.push_back(command->get_name());
-    if (names.empty() || extras.empty() || extras.front().starts_with('-')) return error.what() + hint;
-    const std::string near = DidYouMean(extras.front(), names);
-    return "unknown command \"" + extras.front() + "\"" + (near.empty() ? "" : ", " + near) + hint;
+    const bool isWord = !extras.empty() && !extras.front().starts_with('-');
+    if (isWord && !CommandsOf(*chosen).empty()) return UnknownCommand(*chosen, extras.front());
+    return error.what() + hint;
 }
 
 std::string ExitCodeLine() {
@@ -100,6 +107,10 @@ int Run(int argc, char** argv) {
         return Complete(app, globals, {words.begin() + (words[1] == "--" ? 2 : 1), words.end()});
     }
     if (words.size() == 2 && words[0] == "__man") return WriteManPages(app, words[1]);
+    // A first word that is no command is what is wrong, whatever a later one would be.
+    if (!words.empty() && !words[0].starts_with('-') && FindCommand(app, words[0]) == nullptr) {
+        throw Failure(EXIT_USAGE, UnknownCommand(app, words[0]));
+    }
     try {
         app.parse(ForParser(words));
     } catch (const CLI::ParseError& error) {
