@@ -34,6 +34,10 @@ TEST(PromptMistakes, MessagesSayWhatWasMeant) {
         {{"set", file, "mac_address", "00:11:22:33:44:55"}, 2, "as in --device smem --store 1\n"},
         {{"set", file, "0x7FFE", "1"}, 1, "takes a raw value, as in % 0x1234 [01 02] %\n"},
         {{"get", file, "zzzz"}, 1, "has no key \"zzzz\"; \"kes keys\" lists the keys\n"},
+        {{"set", file, "tx_power_correction", "1"}, 1, "is a table: give tx_power_correction.<channel>"},
+        {{"set", file, "tx_power_correction.79", "1"}, 1, "channel is 0 to 78\n"},
+        {{"hlp", "set"}, 2, "unknown command \"hlp\", did you mean help?\nsee kes --help\n"},
+        {{"metadata", "buld"}, 2, "unknown command \"buld\", did you mean build?\nsee kes metadata --help\n"},
         {{"diff", file}, 2, "two texts are compared, or one with --defaults\n"},
     };
     for (const Case& mistake : cases) {
