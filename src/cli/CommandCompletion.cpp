@@ -21,8 +21,7 @@ void AddCompletion(CLI::App& app, Globals& globals) {
                            {"kes completion fish | source", "In this fish"}});
     command->footer(
         "An installation puts the scripts where the shells look for them. Keys, chips and subsystems come "
-        "from the "
-        "database that --db or KES_DB names.");
+        "from the database that --db or KES_DB names.");
     command->callback([&globals, shell] {
         globals.run = [shell] {
             std::cout << (*shell == "bash"  ? BASH_COMPLETION

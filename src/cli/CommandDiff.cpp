@@ -143,10 +143,8 @@ void AddDiff(CLI::App& app, Globals& globals) {
                            {"kes diff --defaults board.ktf", "What is not at its default"}});
     command->footer(
         "Keys are compared by place, number and indexes, and by value, whatever their order, layout and "
-        "comments. "
-        "A line begins with \"~\" for another value, \"-\" for a key of the first text only, \"+\" for one "
-        "of the "
-        "second only. Lines with errors are left out, with a warning for each.\n"
+        "comments. A line begins with \"~\" for another value, \"-\" for a key of the first text only, \"+\" "
+        "for one of the second only. Lines with errors are left out, with a warning for each.\n"
         "Exit code: 0 nothing differs, 1 something does.");
     command->callback(
         [&globals, options] { globals.run = [&globals, options] { return Run(globals, *options); }; });

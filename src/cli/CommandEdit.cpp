@@ -159,15 +159,12 @@ CLI::App* AddEditCommand(CLI::App& app, Globals& globals, EditKind kind, const c
 
 constexpr const char* PROOF =
     "Nothing else in the text changes, and all changes of one call are made or none. The result is read back "
-    "and "
-    "compared before it takes the place of the text in one step. Errors elsewhere in the text do not matter, "
-    "as "
-    "long as none comes with the change.\n";
+    "and compared before it takes the place of the text in one step. Errors elsewhere in the text do not "
+    "matter, as long as none comes with the change.\n";
 
 constexpr const char* PAIRS =
     "Names or numbers of keys, each with its value: KEY VALUE or KEY=VALUE. A value is what a text has "
-    "behind "
-    "\"=\"; single quotes keep blanks, quotes, braces and brackets from the shell";
+    "behind \"=\"; single quotes keep blanks, quotes, braces and brackets from the shell";
 
 }  // namespace
 

@@ -136,8 +136,7 @@ void AddGet(CLI::App& app, Globals& globals) {
         "One key prints its value alone, several print KEY = VALUE. Lines with errors are left out, with a "
         "warning for each.\n"
         "Exit code: 0 the key has a value, also when that equals its default; 1 the key is missing; 4 it is "
-        "there "
-        "but empty (\"\", [ ], or nothing behind \"=\"). Of several keys a missing one counts most.");
+        "there but empty (\"\", [ ], or nothing behind \"=\"). Of several keys a missing one counts most.");
     command->callback([&globals, options] {
         globals.run = [&globals, options] { return Getter(globals, *options).Run(); };
     });

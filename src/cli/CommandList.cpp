@@ -129,8 +129,7 @@ void AddList(CLI::App& app, Globals& globals) {
                            {"kes list board.ktf --changed --subsystem bt", "What bt has of its own"}});
     command->footer(
         "The state is default, changed, or no_default for a key that has none. Lines with errors are left "
-        "out, "
-        "with a warning for each.");
+        "out, with a warning for each.");
     command->callback(
         [&globals, options] { globals.run = [&globals, options] { return RunList(globals, *options); }; });
 }

@@ -64,6 +64,12 @@ public:
     bool HasStrayLines() const {
         return std::ranges::any_of(mIndex.Lines(), [](const TextLine& line) { return line.isStray; });
     }
+    /// Whether a line behind the text is one: it does not lie in an open comment, behind the end of the
+    /// reading, or in a line without an end, which may be wrong in another way when it is complete.
+    bool EndTakesALine() {
+        return mIndex.Text().ends_with('\n') &&
+               Index(mIndex.Text() + "1=% 1 %\n").Lines().size() > mIndex.Lines().size();
+    }
     std::size_t LineCount() const { return mIndex.Lines().size(); }
     std::size_t tried = 0;
 
