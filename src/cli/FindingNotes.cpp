@@ -3,6 +3,7 @@
 #include "cli/DeviceNames.h"
 #include "cli/NearNames.h"
 #include "cli/SourceWords.h"
+#include "kes/configtools/readerwriters/kestext/common/textparser/CParserError.h"
 
 #include <algorithm>
 #include <cctype>
@@ -12,28 +13,7 @@ namespace kes::cli {
 namespace {
 
 using VemoKesConfigTools::TextFinding;
-
-/// The kinds of findings that need help. The numbers are stable.
-enum Code : std::int32_t {
-    VALUE_NOT_SUPPORTED = 1,
-    MISSING_OPENING_BRACE = 9,
-    MISSING_CLOSING_BRACE = 10,
-    MISSING_COMMA = 11,
-    UNKNOWN_SUBSYSTEM = 12,
-    UNKNOWN_DEVICE = 13,
-    INVALID_STORE = 14,
-    STORE_OUT_OF_RANGE = 17,
-    MISSING_OPEN_BRACKET = 19,
-    NO_KEY_NUMBER = 21,
-    UNKNOWN_VALUE = 22,
-    WRONG_INDEX_COUNT = 25,
-    UNKNOWN_NAME = 26,
-    NUMBER_TOO_SMALL = 30,
-    NUMBER_TOO_LARGE = 31,
-    NUMBER_EXPECTED = 32,
-    UNSIGNED_EXPECTED = 33,
-    HEX_EXPECTED = 34
-};
+using enum VemoKesConfigTools::ParserErrorCode;
 
 constexpr std::size_t MOST_CHOICES = 8;
 
@@ -56,7 +36,8 @@ bool IsStruct(const api::Metadata& key) { return key.Details() && key.Details()-
 
 /// Whether a key that the metadata does not know, given by its number, has another value than a raw one.
 bool IsUnknownNumber(const TextFinding& said) {
-    return said.key.starts_with("Id: ") && (said.code == UNKNOWN_NAME || said.code == VALUE_NOT_SUPPORTED);
+    return said.key.starts_with("Id: ") &&
+           (said.code == PE_UNKNOWN_NAME || said.code == PE_VALUE_NOT_SUPPORTED);
 }
 
 /// One value of a key, as it is to be written.
@@ -141,19 +122,19 @@ void FindingNotes::Add(const api::Chip& chip, const TextFinding& said, std::stri
         return;
     }
     switch (said.code) {
-        case UNKNOWN_NAME:
-        case NO_KEY_NUMBER:
+        case PE_UNKNOWN_NAME:
+        case PE_NO_KEY_NUMBER:
             AddNearKeys(chip, said, line, finding);
             break;
-        case UNKNOWN_VALUE:
+        case PE_UNKNOWN_VALUE:
             AddNearValues(said, line, finding);
             break;
-        case UNKNOWN_SUBSYSTEM:
-        case UNKNOWN_DEVICE:
-        case INVALID_STORE:
+        case PE_UNKNOWN_SUBSYSTEM:
+        case PE_UNKNOWN_DEVICE:
+        case PE_INVALID_STORE:
             AddPlace(chip, said, line, finding);
             break;
-        case STORE_OUT_OF_RANGE:
+        case PE_STORE_OUT_OF_RANGE:
             if (said.detail.empty()) finding.notes.emplace_back("a prefix takes a store from 1 to 15");
             break;
         default:
@@ -203,12 +184,12 @@ void FindingNotes::AddNearKeys(const api::Chip& chip, const TextFinding& said, s
 
 void FindingNotes::AddPlace(const api::Chip& chip, const TextFinding& said, std::string_view line,
                             Finding& finding) {
-    const bool isSubsystem = said.code == UNKNOWN_SUBSYSTEM;
+    const bool isSubsystem = said.code == PE_UNKNOWN_SUBSYSTEM;
     if (line.empty()) return;
     const std::optional<SourceWord> word = FindPlaceWord(line, said.column);
     if (!word) {
         // A key line, whose place has a part missing.
-        const char* part = isSubsystem ? "subsystem" : said.code == UNKNOWN_DEVICE ? "device" : "store";
+        const char* part = isSubsystem ? "subsystem" : said.code == PE_UNKNOWN_DEVICE ? "device" : "store";
         finding.notes.push_back(std::string("no good \"") + part + "=\" line stands above this key");
         return;
     }
@@ -238,18 +219,18 @@ void FindingNotes::AddValue(const api::Chip& chip, const TextFinding& said, std:
                             Finding& finding) {
     bool aboutNumbers = false;
     switch (said.code) {
-        case NUMBER_TOO_SMALL:
-        case NUMBER_TOO_LARGE:
-        case NUMBER_EXPECTED:
-        case UNSIGNED_EXPECTED:
-        case HEX_EXPECTED:
+        case PE_NUMBER_TOO_SMALL:
+        case PE_NUMBER_TOO_LARGE:
+        case PE_NUMBER_EXPECTED:
+        case PE_UNSIGNED_EXPECTED:
+        case PE_HEX_EXPECTED:
             aboutNumbers = true;
             break;
-        case WRONG_INDEX_COUNT:
-        case MISSING_OPENING_BRACE:
-        case MISSING_CLOSING_BRACE:
-        case MISSING_COMMA:
-        case MISSING_OPEN_BRACKET:
+        case PE_WRONG_INDEX_COUNT:
+        case PE_MISSING_OPENING_BRACE:
+        case PE_MISSING_CLOSING_BRACE:
+        case PE_MISSING_COMMA:
+        case PE_MISSING_OPEN_BRACKET:
             break;
         default:
             return;
@@ -258,7 +239,7 @@ void FindingNotes::AddValue(const api::Chip& chip, const TextFinding& said, std:
     if (!key) return;
     const std::string before(line.substr(0, std::min<std::size_t>(line.size(), said.column - 1)));
     const bool inIndexes = !line.empty() && before.find('=') == std::string::npos;
-    if (said.code == WRONG_INDEX_COUNT || (aboutNumbers && inIndexes)) {
+    if (said.code == PE_WRONG_INDEX_COUNT || (aboutNumbers && inIndexes)) {
         if (std::string indexes = IndexText(*key); !indexes.empty())
             finding.notes.push_back(std::move(indexes));
         return;

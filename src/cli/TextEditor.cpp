@@ -4,6 +4,7 @@
 #include "cli/KeyList.h"
 #include "cli/Listener.h"
 #include "cli/Scratch.h"
+#include "kes/configtools/readerwriters/kestext/common/textparser/CParserError.h"
 
 #include <algorithm>
 #include <utility>
@@ -45,9 +46,10 @@ std::string WordOf(const api::Subsystem& subsystem) {
 /// The words of an assignment whose text has lost its quotes to the shell, with quotes that stay; empty for
 /// any other.
 std::string QuotedForShell(std::int32_t finding, const Assignment& assignment) {
-    constexpr std::int32_t MISSING_QUOTE = 16;
     // Of a value with any of these nobody can say where the quotes were.
-    if (finding != MISSING_QUOTE || assignment.value.find_first_of("\"'\\{") != std::string::npos) return {};
+    if (finding != VemoKesConfigTools::PE_MISSING_QUOTE ||
+        assignment.value.find_first_of("\"'\\{") != std::string::npos)
+        return {};
     return assignment.key.text + "='\"" + assignment.value + "\"'";
 }
 

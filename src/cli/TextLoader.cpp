@@ -5,6 +5,7 @@
 #include "cli/SourceLines.h"
 #include "cli/SourceWords.h"
 #include "facade/Framework.h"
+#include "kes/configtools/readerwriters/kestext/common/textparser/CParserError.h"
 
 #include <utility>
 
@@ -14,13 +15,11 @@ using VemoKesConfigTools::TextFinding;
 
 namespace {
 
-// Kinds of findings that end the reading.
-constexpr std::int32_t UNKNOWN_SUBSYSTEM = 12;
-constexpr std::int32_t SUBSYSTEM_NOT_SET = 27;
-
 std::string WhatIsUsed(const std::vector<Finding>& findings) {
     const Finding& last = findings.back();
-    if (last.code == UNKNOWN_SUBSYSTEM || last.code == SUBSYSTEM_NOT_SET) {
+    // These end the reading.
+    if (last.code == VemoKesConfigTools::PE_UNKNOWN_SUBSYSTEM ||
+        last.code == VemoKesConfigTools::PE_SUBSYSTEM_NOT_SET) {
         return "the reading ended at line " + std::to_string(last.line) + "; what follows it is not used";
     }
     return std::to_string(findings.size()) +
