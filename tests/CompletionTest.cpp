@@ -34,6 +34,8 @@ Words Complete(Words words, const std::string& before = {}) {
 
 TEST(Candidates, FollowFromTheWordsInFront) {
     const TempFolder folder;
+    // The text says which chip's keys are meant.
+    const std::string tag = KesTest::EXAMPLE_FOLDER + "/asset-tag.ktf";
     const Words chips = {"ostrell_520_2_3", "ostrell_524_3_0", "ostrell_310_1_7", "ostrell_205_1_1"};
     const struct {
         Words typed;
@@ -64,6 +66,9 @@ TEST(Candidates, FollowFromTheWordsInFront) {
         {{"describe", "--subsystem", "bt", "antenna_d"}, {}},
         {{"describe", "bd_addr", "antenna_d"}, {"antenna_diversity"}},
         {{"describe", "--chip", "ostrell_205_1_1", "accel_r"}, {"accel_range"}},
+        {{"get", tag, "accel_r"}, {"accel_range"}},
+        {{"set", tag, "accel_range=4", "accel_o"}, {"accel_offsets"}},
+        {{"unset", tag, "--device", "s"}, {"smem"}},
         {{"describe", "--chip", "no such chip", ""}, {}},
         {{"describe", "--db", "/nowhere", "antenna_d"}, {}},
         {{"describe", "--plugins", "/nowhere", "antenna_d"}, {}},
