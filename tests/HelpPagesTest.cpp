@@ -3,7 +3,6 @@
 #include "support/Files.h"
 
 #include <gtest/gtest.h>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -20,10 +19,10 @@ std::vector<std::string> Entries(const std::string& help, const std::string& sec
     std::vector<std::string> entries;
     std::istringstream stream(help);
     bool inside = false;
-    const std::regex entry("  ([^ ]+).*");
-    std::smatch match;
+    constexpr std::size_t INDENT = 2;
     for (std::string line; std::getline(stream, line);) {
-        if (inside && std::regex_match(line, match, entry)) entries.push_back(match[1]);
+        if (inside && line.find_first_not_of(' ') == INDENT)
+            entries.push_back(line.substr(INDENT, line.find(' ', INDENT) - INDENT));
         if (!line.empty() && line[0] != ' ') inside = line == section + ":";
     }
     return entries;
