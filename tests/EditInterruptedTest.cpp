@@ -127,6 +127,13 @@ private:
     std::set<long> mWritten;  ///< descriptors that are open for writing
 };
 
+#ifdef __SANITIZE_ADDRESS__
+// A traced run takes seconds there. The ordinary build tries every call.
+constexpr std::size_t STEP = 5;
+#else
+constexpr std::size_t STEP = 1;
+#endif
+
 TEST(EditInterrupted, LeavesTheOldTextOrTheNewOne) {
     const std::string before = ReadFile(EXAMPLE_FOLDER + "/headset.ktf");
     const std::string after = Replaced(before, "max_connections = 2", "max_connections = 3");
@@ -154,10 +161,12 @@ TEST(EditInterrupted, LeavesTheOldTextOrTheNewOne) {
         EXPECT_TRUE(whole.kinds.contains(SYS_fsync)) << "what is renamed is on the disk before";
         ASSERT_GT(whole.calls, 8U);
         std::size_t kept = 0;
-        for (std::size_t call = 1; call <= whole.calls; ++call) {
+        std::size_t tried = 0;
+        for (std::size_t call = 1; call <= whole.calls; call += STEP) {
             for (const auto moment : {Interrupted::Moment::Entry, Interrupted::Moment::Exit}) {
                 prepare();
                 const Interrupted run(words, call, moment);
+                ++tried;
                 const std::string where = "call " + std::to_string(call) + " of " +
                                           std::to_string(whole.calls) +
                                           (moment == Interrupted::Moment::Entry ? ", entry" : ", exit");
@@ -176,8 +185,8 @@ TEST(EditInterrupted, LeavesTheOldTextOrTheNewOne) {
                 }
             }
         }
-        EXPECT_GT(kept, whole.calls) << "most is done before the new text takes its place";
-        EXPECT_LT(kept, 2 * whole.calls) << "the end of the last call has both";
+        EXPECT_GT(2 * kept, tried) << "most is done before the new text takes its place";
+        EXPECT_LT(kept, tried) << "the end of the last call has both";
     }
 }
 
