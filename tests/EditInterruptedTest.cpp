@@ -127,14 +127,10 @@ private:
     std::set<long> mWritten;  ///< descriptors that are open for writing
 };
 
-#ifdef __SANITIZE_ADDRESS__
-// A traced run takes seconds there. The ordinary build tries every call.
-constexpr std::size_t STEP = 5;
-#else
-constexpr std::size_t STEP = 1;
-#endif
-
 TEST(EditInterrupted, LeavesTheOldTextOrTheNewOne) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizers make system calls of their own, by the hundred thousand";
+#endif
     const std::string before = ReadFile(EXAMPLE_FOLDER + "/headset.ktf");
     const std::string after = Replaced(before, "max_connections = 2", "max_connections = 3");
     ASSERT_NE(before, after);
@@ -162,7 +158,7 @@ TEST(EditInterrupted, LeavesTheOldTextOrTheNewOne) {
         ASSERT_GT(whole.calls, 8U);
         std::size_t kept = 0;
         std::size_t tried = 0;
-        for (std::size_t call = 1; call <= whole.calls; call += STEP) {
+        for (std::size_t call = 1; call <= whole.calls; ++call) {
             for (const auto moment : {Interrupted::Moment::Entry, Interrupted::Moment::Exit}) {
                 prepare();
                 const Interrupted run(words, call, moment);
