@@ -110,7 +110,7 @@ int RunRaw(const Globals& globals, const ListOptions& options) {
 
 /// The options of a command that lists a text.
 std::shared_ptr<ListOptions> AddListOptions(CLI::App& command, Globals& globals) {
-    const auto options = std::make_shared<ListOptions>();
+    auto options = std::make_shared<ListOptions>();
     command.add_option("FILE", options->file, "The text; \"-\" for standard input")->required();
     AddPlaceOptions(command, options->place);
     AddDatabaseOptions(command, globals, /*withChip=*/true);

@@ -115,19 +115,17 @@ std::vector<KeyCandidate> FindCandidates(Session& session, const api::Chip& chip
 
 void CheckIndexes(const KeyCandidate& candidate, const KeyAddress& address) {
     if (!candidate.record) return;
-    const std::string shape = candidate.name + IndexSuffix(*candidate.record);
     std::size_t number = 0;
     for (const auto& index : candidate.record->TableIndexes()) {
-        const std::string range = Text(index->Name()) + " is " + std::to_string(index->Min()) + " to " +
-                                  std::to_string(index->Max());
-        if (address.indexes.empty()) {
-            throw Failure(EXIT_FINDINGS, address.text + " is a table: give " + shape + ", where " + range);
-        }
-        if (number == address.indexes.size()) return;
-        const auto value = static_cast<std::uint32_t>(address.indexes[number++]);
-        if (value < index->Min() || value > index->Max()) {
-            throw Failure(EXIT_FINDINGS, "the table " + shape + " has no " + address.text + ": " + range);
-        }
+        const bool isGiven = number < address.indexes.size();
+        const auto value = isGiven ? static_cast<std::uint32_t>(address.indexes[number++]) : 0;
+        if (isGiven && value >= index->Min() && value <= index->Max()) continue;
+        // A wrong number of them is refused by the text format, but none at all is not.
+        if (!isGiven && !address.indexes.empty()) return;
+        std::string text = "\"" + address.text + "\" is no key of the table ";
+        text.append(candidate.name).append(IndexSuffix(*candidate.record)).append(": ");
+        text.append(Text(index->Name())).append(" is ").append(std::to_string(index->Min()));
+        throw Failure(EXIT_FINDINGS, text.append(" to ").append(std::to_string(index->Max())));
     }
 }
 
