@@ -88,9 +88,9 @@ std::shared_ptr<api::Metadata> Session::FindKey(const api::Chip& chip, const api
                                                 std::optional<std::uint32_t> number) {
     // Questions about keys fail while any error is stored, that of a text for one.
     ClearErrors();
-    const auto key = number ? mMetadata->GetMetadataByPsid(chip.SystemVersionLabel(), subsystem.Type(),
-                                                           static_cast<std::int32_t>(*number))
-                            : mMetadata->GetMetadataByName(chip.SystemVersionLabel(), subsystem.Type(), name);
+    auto key = number ? mMetadata->GetMetadataByPsid(chip.SystemVersionLabel(), subsystem.Type(),
+                                                     static_cast<std::int32_t>(*number))
+                      : mMetadata->GetMetadataByName(chip.SystemVersionLabel(), subsystem.Type(), name);
     FailOnError();
     return key;
 }
