@@ -9,7 +9,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     EditLaw law(input.text, Keys(), input.chip,
                 [&](const std::string& what, const std::string& edited, const std::string& wanted,
                     const std::string& actual) {
-                    if (what != "set" && what != "unset" && !law.EndTakesALine()) return;
+                    // Where a refused value ends cannot always be told: a quote that was not closed may hold
+                    // what looks like a comment. Such a change is refused by its proof.
+                    if (what == "mend") return;
+                    if (what == "add" && !law.EndTakesALine()) return;
                     Fault(what + "\n" + input.text + "\n--- edited\n" + edited, wanted, actual);
                 });
     if (law.HasStrayLines()) return 0;
