@@ -94,6 +94,7 @@ std::optional<std::string> TextEditor::Edit(EditKind kind, const std::vector<Ass
     for (std::size_t i = 0; i < assignments.size(); ++i) {
         if (!Change(kind, targets[i], assignments[i])) return std::nullopt;
     }
+    if (kind != EditKind::Unset && !EndInTheirLines(targets, assignments)) return std::nullopt;
     const Listener watching(Progress(1));
     const VemoKesConfigTools::CTextIndex index(mBefore, mGlobals.database,
                                                Text(mLoader.Chip()->SystemVersionLabel()));
@@ -208,11 +209,7 @@ bool TextEditor::Change(EditKind kind, const Target& target, const Assignment& a
             facade.SetValue(target.subsystem, target.psid, indexes, device, store, LAYER, assignment.value);
     }
     const std::string what = assignment.key.text + " = " + assignment.value + " is refused: ";
-    if (changed && listener.Findings().empty()) {
-        if (kind == EditKind::Unset || EndsInItsLine(target, assignment)) return true;
-        Refuse(what + "it opens a comment that it does not close");
-        return false;
-    }
+    if (changed && listener.Findings().empty()) return true;
     for (const auto& finding : listener.Findings()) {
         Refuse(what + finding.text + (finding.detail.empty() ? "" : ": " + finding.detail));
         if (const std::string quoted = QuotedForShell(finding.code, assignment); !quoted.empty())
@@ -226,12 +223,28 @@ bool TextEditor::Change(EditKind kind, const Target& target, const Assignment& a
     return false;
 }
 
-/// Whether a line behind the value would be a line still. A comment that is open at the end is no error.
-bool TextEditor::EndsInItsLine(const Target& target, const Assignment& assignment) {
-    const std::string line = assignment.key.text + "=" + assignment.value + "\n";
-    const VemoKesConfigTools::CTextIndex index("file=" + Text(target.subsystem->Name()) + "1\n" + line + line,
-                                               mGlobals.database, Text(mLoader.Chip()->SystemVersionLabel()));
-    return index.Lines().size() == 3;
+/// Whether a line behind each value would be a line still. A comment that is open at the end is no error.
+bool TextEditor::EndInTheirLines(const std::vector<Target>& targets,
+                                 const std::vector<Assignment>& assignments) {
+    constexpr std::size_t LINES_EACH = 3;
+    std::string text;
+    for (std::size_t i = 0; i < assignments.size(); ++i) {
+        const std::string line = assignments[i].key.text + "=" + assignments[i].value + "\n";
+        text.append("file=")
+            .append(Text(targets[i].subsystem->Name()))
+            .append("1\n")
+            .append(line)
+            .append(line);
+    }
+    const VemoKesConfigTools::CTextIndex index(std::move(text), mGlobals.database,
+                                               Text(mLoader.Chip()->SystemVersionLabel()));
+    for (std::size_t i = 0; i < assignments.size() * LINES_EACH; ++i) {
+        if (i < index.Lines().size() && index.Lines()[i].number == i + 1) continue;
+        const Assignment& open = assignments[i / LINES_EACH];
+        Refuse(open.key.text + " = " + open.value + " is refused: it opens a comment that it does not close");
+        return false;
+    }
+    return true;
 }
 
 /// `Change` for the places in which the library sets no single values: by a text that is merged.

@@ -52,7 +52,7 @@ private:
     Target FindRoom(const PlaceFilter& filter, const KeyAddress& address,
                     const std::vector<KeyCandidate>& candidates);
     bool Change(EditKind kind, const Target& target, const Assignment& assignment);
-    bool EndsInItsLine(const Target& target, const Assignment& assignment);
+    bool EndInTheirLines(const std::vector<Target>& targets, const std::vector<Assignment>& assignments);
     bool ChangeByText(const Target& target, const Assignment& assignment);
     VemoKesConfigTools::TextChange ToTextChange(EditKind kind, const Target& target,
                                                 const Assignment& assignment);

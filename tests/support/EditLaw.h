@@ -58,7 +58,6 @@ public:
             change.deviceWord = DeviceWord(place.device);
             if (!IsThere(change)) CheckChange("add", change, {});
         }
-        tried = mTried;
     }
     /// Whether a line depends on the line before it, so that no change of another leaves it alone.
     bool HasStrayLines() const {
@@ -171,7 +170,7 @@ private:
     }
 
     void CheckChange(const char* what, const TextChange& change, const TextRange& touched) {
-        ++mTried;
+        ++tried;
         const std::string edited = EditText(mIndex, {change});
         const Outcome wanted = Wanted(change);
         const Outcome actual = ReadText(edited);
@@ -219,7 +218,6 @@ private:
     Fault mFault;
     CTextIndex mIndex;
     Outcome mBefore;
-    std::size_t mTried = 0;
 };
 
 }  // namespace KesTest
