@@ -274,12 +274,15 @@ TEST(CheckJobs, AChildThatDiesIsAFailureOfItsFileOnly) {
                   ": error: the process that checked it was ended by signal 9 (Killed)\n");
 }
 
-/// The first text comes so slowly that a bar is wanted when it is done.
+/// The first text is a pipe that nobody writes to before a bar is wanted. It is opened when its reader is
+/// there, so that the time does not begin before the command does.
 TEST(CheckProgress, ShowsABarOnATerminalOnly) {
     const TempFolder folder;
-    const std::string command = "(sleep 2.2; printf 'file=bt1\\nnobody = 1\\n') | " KES_TEST_COMMAND
-                                " check - " +
-                                EXAMPLE_FOLDER + "/headset.ktf";
+    const std::string pipe = folder / "pipe";
+    const std::string command =
+        "test -p '" + pipe + "' || mkfifo '" + pipe + "'\n(exec 3>'" + pipe +
+        "'; sleep 2.2; printf 'file=bt1\nnobody = 1\n' >&3) &\ntimeout 60 " KES_TEST_COMMAND " check '" +
+        pipe + "' " + EXAMPLE_FOLDER + "/headset.ktf";
     const std::string script = folder.Write("run", command + "\n");
     const auto shown = [&](const std::string& terminal) {
         const std::string run = "TERM=" + terminal + " script -qec 'sh " + script +

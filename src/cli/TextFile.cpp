@@ -61,6 +61,9 @@ TextFile::TextFile(const std::string& name) : mName(name), mPath(name) {
         mName = "<stdin>";
         const std::string content{std::istreambuf_iterator<char>(std::cin), {}};
         mPath = mScratch.emplace(content).Path();
+    } else if (std::error_code failed; fs::exists(name, failed) && fs::is_other(name, failed)) {
+        // A pipe, of a process substitution for one, gives its bytes once only.
+        mPath = mScratch.emplace(ReadWhole(name)).Path();
     }
     Open();
 }

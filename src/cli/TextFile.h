@@ -11,8 +11,8 @@ namespace kes::cli {
 /// The bytes of a file; what can be read of them.
 std::string ReadWhole(const std::string& path);
 
-/// A configuration text as the command was given it: a file, or "-" for standard input, which is kept in a
-/// temporary file. Throws `Failure` when it cannot be read.
+/// A configuration text as the command was given it: a file, or a pipe or "-" for standard input, which are
+/// kept in a temporary file. Throws `Failure` when it cannot be read.
 class TextFile {
 public:
     explicit TextFile(const std::string& name);
