@@ -1,0 +1,72 @@
+#pragma once
+
+#include "plugins/binary/Bytes.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace VemoKesConfigTools {
+
+class CElement;
+class CKesContext;
+class IMetadataProvider;
+class IPayload;
+
+/// Where the keys of a block lie.
+struct BinaryPlace {
+    std::int32_t subsystem = -1;  ///< a value of `SubsystemTypes`
+    std::int32_t device = -1;     ///< a value of `IStoreManager::DEVICE`
+    std::int32_t store = 0;
+    std::optional<std::int32_t> layer;
+    std::uint16_t order = 0;  ///< of the store in the list of stores, 0 for none
+
+    bool operator==(const BinaryPlace&) const = default;
+};
+
+/// A place with its keys in their encoded form.
+struct EncodedPlace {
+    BinaryPlace place;
+    std::uint32_t keyCount = 0;
+    std::string records;
+};
+
+/// A place with its keys as elements.
+struct DecodedPlace {
+    struct Key {
+        std::unique_ptr<CElement> element;
+        bool another = false;  ///< stands behind one of the same key
+    };
+    BinaryPlace place;
+    std::vector<Key> keys;
+};
+
+/// One encoded key. The views live as long as the bytes they were split from.
+struct KeyRecord {
+    std::string_view all;
+    std::string_view key;       ///< number and indexes: equal for equal keys
+    std::string_view payloads;  ///< their count and themselves
+    bool another = false;       ///< stands behind one of the same key
+};
+
+/// Appends a place block: place, number of keys, size of the records, records.
+void AppendPlace(std::string& bytes, const EncodedPlace& place);
+/// Reads a place block, without looking into the records. Throws `Refusal`.
+EncodedPlace ReadPlace(ByteReader& bytes);
+
+/// Cuts the records of a place apart. Throws `Refusal`.
+std::vector<KeyRecord> SplitRecords(const EncodedPlace& place);
+/// The values of a record, without any metadata. Throws `Refusal`.
+std::vector<std::unique_ptr<IPayload>> DecodePayloads(std::string_view payloads);
+
+/// Makes elements of the records of a place. What the metadata knows uses it and must hold against it as a
+/// text must; what it does not know is taken as it is. The context is set to the place. Throws `Refusal`.
+DecodedPlace DecodePlace(const EncodedPlace& place, IMetadataProvider& provider, CKesContext& context);
+
+/// The words for a place in messages: "bt, eeprom, store 3".
+std::string Describe(const BinaryPlace& place);
+
+}  // namespace VemoKesConfigTools
