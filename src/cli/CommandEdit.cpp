@@ -79,10 +79,10 @@ std::vector<Assignment> ParseKeys(const std::vector<std::string>& words) {
     return keys;
 }
 
-TextFile OpenOrBegin(const Globals& globals, const EditOptions& options, EditKind kind) {
+ConfigInput OpenOrBegin(const Globals& globals, const EditOptions& options, EditKind kind) {
     std::error_code failed;
     const bool isThere = options.file == "-" || std::filesystem::exists(options.file, failed);
-    if (isThere || kind == EditKind::Unset) return OpenText(options.file);
+    if (isThere || kind == EditKind::Unset) return OpenConfig(options.file);
     if (!options.create) {
         throw Failure(EXIT_SYSTEM, options.file + ": there is no such file; --create begins a new text");
     }
@@ -94,15 +94,15 @@ TextFile OpenOrBegin(const Globals& globals, const EditOptions& options, EditKin
                     "begun as a text of " + label +
                         ", the first of the database; choose another system with --chip");
     }
-    return {options.file, "version = " + label + "\n"};
+    return {ConfigSource(options.file), "version = " + label + "\n"};
 }
 
 int Run(const Globals& globals, const EditOptions& options, EditKind kind) {
     const std::vector<Assignment> assignments =
         kind == EditKind::Unset ? ParseKeys(options.words) : ParseAssignments(options.words);
-    const TextFile file = OpenOrBegin(globals, options, kind);
+    const ConfigInput input = OpenOrBegin(globals, options, kind);
     const bool isNew = !std::filesystem::exists(options.file) && options.file != "-";
-    TextEditor editor(globals, file, options.place);
+    TextEditor editor(globals, input, options.place);
     const std::optional<std::string> edited = editor.Edit(kind, assignments);
     if (!edited) return editor.Result();
 
@@ -111,7 +111,7 @@ int Run(const Globals& globals, const EditOptions& options, EditKind kind) {
         const Scratch scratch(*edited);
         if (!editor.Proves(scratch.Path())) return editor.Result();
         const std::string before = isNew ? std::string() : editor.Before();
-        std::cout << (options.dryRun ? UnifiedDiff(file.Name(), file.Name() + " (changed)", before, *edited)
+        std::cout << (options.dryRun ? UnifiedDiff(input.Name(), input.Name() + " (changed)", before, *edited)
                                      : *edited);
         return EXIT_FINE;
     }
