@@ -27,6 +27,8 @@ class IMetadataProvider;
 
 namespace VEMO::Kes::ConfigurationTools {
 
+struct PluginWords;
+
 /// How a text is written.
 struct TextForm {
     /// One line for each key, without comments and continued lines.
@@ -109,7 +111,8 @@ public:
     /// what the device holds.
     bool SaveToDeviceOstrel(const HostString& connection, bool isMerging);
     /// Writes the configuration to an EEPROM of 2 to the power of `aEepromSizeExp` bytes through "KesEeprom".
-    /// `aEepromI2cMask` is the mask of its address on the I2C bus.
+    /// `aEepromI2cMask` is the mask of its address on the I2C bus. A number of 0 or less leaves it to the
+    /// plug-in.
     bool SaveToDeviceKesEeprom(const HostString& connection, std::int32_t aEepromSizeExp,
                                std::int32_t aEepromI2cMask);
     /// Writes the configuration to a device through "KesIsp", and has it reset afterwards on request.
@@ -197,6 +200,14 @@ public:
 private:
     bool CanRead(const char* function) const;
     bool CanWrite(const char* function) const;
+    VemoKesConfigTools::CKesContext LoadContext() const;
+    std::unique_ptr<VemoKesConfigTools::IConfigReader> BeginDeviceLoad(const char* function,
+                                                                       const PluginWords& plugin,
+                                                                       const HostString& connection,
+                                                                       bool merge, void* argument);
+    std::unique_ptr<VemoKesConfigTools::IConfigWriter> BeginSave(const char* function,
+                                                                 const PluginWords& plugin,
+                                                                 const HostString& target, void* argument);
     bool SetAddValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                      std::int32_t device, std::int32_t store, std::int32_t layerIndex,
                      const HostString& value, bool add);
