@@ -4,6 +4,7 @@
 #include "messages/CTheMsgHnd.h"
 #include "metadata/Chip.h"
 #include "model/CKesContext.h"
+#include "model/CReaderWriterFactory.h"
 
 #include <cstdint>
 #include <string>
@@ -15,9 +16,19 @@
 namespace VEMO::Kes::ConfigurationTools {
 
 inline constexpr const char* NO_PROVIDER = "sqlite metadata plugin not found.";
-inline constexpr const char* NO_KESTEXT = "KesText readerwriter plugin not found.";
-inline constexpr const char* NO_PACKINT = "Packint readerwriter plugin not found.";
 inline constexpr const char* NO_CHIP = "no chip is set";
+
+/// A plug-in of readers and writers, and what is said when one cannot be had.
+struct PluginWords {
+    const char* name;
+    const char* absent;
+    const char* noTarget;  ///< the plug-in is there, but no file, folder or device was named
+};
+
+inline constexpr PluginWords KESTEXT{"KesText", "KesText readerwriter plugin not found.",
+                                     "no file name is given"};
+inline constexpr PluginWords PACKINT{"Packint", "Packint readerwriter plugin not found.",
+                                     "no folder name is given"};
 
 inline constexpr std::int16_t ERROR_DATA = 0;
 inline constexpr std::int16_t ERROR_PLUGIN = 1;
@@ -33,6 +44,14 @@ inline VemoKesConfigTools::CMessageHandler& DefaultHandler(const char* function)
 inline bool Fail(const char* function, std::int16_t number, const char* text) {
     DefaultHandler(function).SetErrorMsg(number, text);
     return false;
+}
+
+/// Stores why the plug-in made nothing for the target, and is the false that the operation gives.
+inline bool FailWithout(const char* function, const PluginWords& plugin, const std::string& target) {
+    if (target.empty() && VemoKesConfigTools::CReaderWriterFactory::Ref().Knows(plugin.name)) {
+        return Fail(function, ERROR_DATA, plugin.noTarget);
+    }
+    return Fail(function, ERROR_PLUGIN, plugin.absent);
 }
 
 /// A context of the chip, with nothing else said.

@@ -31,10 +31,10 @@ FrameworkFacade::FrameworkFacade(const HostString& dbName) {
     std::iostream* const stream = mpBuffer.get();
     CReaderWriterFactory& factory = CReaderWriterFactory::Ref();
 
-    mpBuffWriter.reset(factory.CreateWriter("KesText", "", stream));
+    mpBuffWriter.reset(factory.CreateWriter(KESTEXT.name, "", stream));
     if (mpBuffWriter) mpBuffWriter->SetMetadataProvider(mpProvider.get());
-    mpTextReader.reset(factory.CreateReader("KesText", "", stream));
-    mpBinaryReader.reset(factory.CreateReader("Packint", "", stream));
+    mpTextReader.reset(factory.CreateReader(KESTEXT.name, "", stream));
+    mpBinaryReader.reset(factory.CreateReader(PACKINT.name, "", stream));
     for (IConfigReader* reader : {mpTextReader.get(), mpBinaryReader.get()}) {
         if (reader == nullptr) continue;
         reader->SetMetadataProvider(mpProvider.get());
@@ -42,8 +42,8 @@ FrameworkFacade::FrameworkFacade(const HostString& dbName) {
     }
 
     if (!mpProvider) Fail(FUNCTION, ERROR_PLUGIN, NO_PROVIDER);
-    if (!mpBuffWriter || !mpTextReader) Fail(FUNCTION, ERROR_PLUGIN, NO_KESTEXT);
-    if (!mpBinaryReader) Fail(FUNCTION, ERROR_PLUGIN, NO_PACKINT);
+    if (!mpBuffWriter || !mpTextReader) Fail(FUNCTION, ERROR_PLUGIN, KESTEXT.absent);
+    if (!mpBinaryReader) Fail(FUNCTION, ERROR_PLUGIN, PACKINT.absent);
 }
 
 FrameworkFacade::~FrameworkFacade() { Dispose(); }
@@ -84,9 +84,7 @@ bool FrameworkFacade::LoadText(const HostString& filePath, bool merge) {
     if (!FillBuffer(Framework::GetString(filePath))) {
         return Fail(FUNCTION, ERROR_DATA, "The text file is zero length. No config data found.");
     }
-    CKesContext context = FileContext(*mOwningChip);
-    context.SetTag(STR_INSERT_MODE, STR_OVERWRITE);
-    mpProvider->MetadataList(context, true);
+    CKesContext context = LoadContext();
     return mpTextReader->Read(context);
 }
 
@@ -94,18 +92,8 @@ bool FrameworkFacade::SaveText(const HostString& filePath) { return SaveText(fil
 
 bool FrameworkFacade::SaveText(const HostString& filePath, const TextForm& form) {
     constexpr const char* FUNCTION = KES_FACADE_FUNCTION("SaveText");
-    const std::string path = Framework::GetString(filePath);
-    const std::unique_ptr<IConfigWriter> writer(
-        CReaderWriterFactory::Ref().CreateWriter("KesText", path, nullptr));
-    DefaultHandler(FUNCTION).ClearError(CMessageHandler::GROUP_DEFAULT);
-    if (!writer) {
-        // The plug-in is there, but has no writer for a file without a name.
-        if (mpBuffWriter && path.empty()) return Fail(FUNCTION, ERROR_DATA, "no file name is given");
-        return Fail(FUNCTION, ERROR_PLUGIN, NO_KESTEXT);
-    }
-    if (!mpProvider) return Fail(FUNCTION, ERROR_PLUGIN, NO_PROVIDER);
-    if (!mOwningChip) return Fail(FUNCTION, ERROR_DATA, NO_CHIP);
-    writer->SetMetadataProvider(mpProvider.get());
+    const std::unique_ptr<IConfigWriter> writer = BeginSave(FUNCTION, KESTEXT, filePath, nullptr);
+    if (!writer) return false;
     CKesContext context = FileContext(*mOwningChip);
     if (form.simple) context.SetTag(STR_TXT_SIMPLE_MODE, STR_TRUE);
     CRawKeysWriter front(*writer, *mpProvider);
@@ -144,7 +132,7 @@ HostListRef<std::shared_ptr<Place>> FrameworkFacade::GetPlaces() const {
 /// Whether all is there that reading a text needs; stores why not.
 bool FrameworkFacade::CanRead(const char* function) const {
     if (!mpProvider) return Fail(function, ERROR_PLUGIN, NO_PROVIDER);
-    if (!mpTextReader) return Fail(function, ERROR_PLUGIN, NO_KESTEXT);
+    if (!mpTextReader) return Fail(function, ERROR_PLUGIN, KESTEXT.absent);
     if (!mOwningChip) return Fail(function, ERROR_DATA, NO_CHIP);
     return true;
 }
@@ -152,8 +140,38 @@ bool FrameworkFacade::CanRead(const char* function) const {
 /// Whether all is there that writing keys as text needs; stores why not.
 bool FrameworkFacade::CanWrite(const char* function) const {
     if (!mpProvider) return Fail(function, ERROR_PLUGIN, NO_PROVIDER);
-    if (!mpBuffWriter) return Fail(function, ERROR_PLUGIN, NO_KESTEXT);
+    if (!mpBuffWriter) return Fail(function, ERROR_PLUGIN, KESTEXT.absent);
     return true;
+}
+
+/// The context of a load; its metadata is asked for.
+CKesContext FrameworkFacade::LoadContext() const {
+    CKesContext context = FileContext(*mOwningChip);
+    context.SetTag(STR_INSERT_MODE, STR_OVERWRITE);
+    mpProvider->MetadataList(context, true);
+    return context;
+}
+
+/// A writer made for one save, with its provider. Null when the save cannot be; stores why not. With a
+/// writer, configuration and chip are there.
+std::unique_ptr<IConfigWriter> FrameworkFacade::BeginSave(const char* function, const PluginWords& plugin,
+                                                          const HostString& target, void* argument) {
+    const std::string name = Framework::GetString(target);
+    std::unique_ptr<IConfigWriter> writer(
+        CReaderWriterFactory::Ref().CreateWriter(plugin.name, name, argument));
+    DefaultHandler(function).ClearError(CMessageHandler::GROUP_DEFAULT);
+    if (!writer) {
+        FailWithout(function, plugin, name);
+    } else if (!mpProvider) {
+        Fail(function, ERROR_PLUGIN, NO_PROVIDER);
+        writer.reset();
+    } else if (!mOwningChip) {
+        Fail(function, ERROR_DATA, NO_CHIP);
+        writer.reset();
+    } else {
+        writer->SetMetadataProvider(mpProvider.get());
+    }
+    return writer;
 }
 
 void FrameworkFacade::EmptyBuffer() {

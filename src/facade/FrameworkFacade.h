@@ -4,6 +4,7 @@
 #include "host/HostString.h"
 #include "messages/Export.h"
 #include "metadata/Chip.h"
+#include "metadata/Enumerations.h"
 #include "metadata/KeyValue.h"
 #include "metadata/Metadata.h"
 #include "metadata/Place.h"
@@ -25,6 +26,8 @@ class IMetadataProvider;
 }  // namespace VemoKesConfigTools
 
 namespace VEMO::Kes::ConfigurationTools {
+
+struct PluginWords;
 
 /// How a text is written.
 struct TextForm {
@@ -70,6 +73,14 @@ public:
     bool SaveText(const HostString& filePath);
     /// The same in a form of the host's choice.
     bool SaveText(const HostString& filePath, const TextForm& form);
+    /// Reads all files `*.kcf` of a folder, without its sub-folders, in the order that the file system gives;
+    /// keys of a later file replace those of an earlier one. Empty and unreadable files are passed over. The
+    /// result is that of the last file read: one that failed before it has left its message, see
+    /// `Framework::Error`. False when no file was read. Without `merge` the configuration is emptied first.
+    /// Throws `std::filesystem::filesystem_error` for a folder that cannot be listed.
+    bool LoadBinary(const HostString& folderPath, bool merge);
+    /// Writes the configuration as chunk files into a folder. What is there under their names is replaced.
+    bool SaveBinary(const HostString& folderPath);
     /// Where this configuration differs first from another one in places, keys or values, in words; null when
     /// they are the same. A place without keys counts as none; the order of places and keys, and the stores
     /// are not compared.
@@ -81,6 +92,37 @@ public:
     /// The places of the configuration in the order in which they were met, with their numbers of keys. Null
     /// once the facade is released.
     HostListRef<std::shared_ptr<Place>> GetPlaces() const;
+
+    // Devices, reached through the plug-in of their family, which alone knows what `connection` means. An
+    // operation blocks until its plug-in returns. A load empties the configuration before it reaches for the
+    // device, unless it merges; what the device holds then replaces what is there key by key. A save leaves
+    // the configuration as it is.
+
+    /// Reads the stores of a device through "KLD770xDevice".
+    bool LoadFromDeviceOstrel(const HostString& connection, bool merge);
+    /// Reads an EEPROM through "KesEeprom".
+    bool LoadFromDeviceKesEeprom(const HostString& connection, bool merge);
+    /// Reads a store set of a device through "KesIsp": a number of `DeviceNvsTypes`, or all of them for
+    /// `DEVICE_TYPE_ALL` and `DEVICE_TYPE_NONE`. Always empties the configuration first. For all, and for
+    /// `DEVICE_TYPE_DEV_CFG`, the firmware's store set is then added to the default values; a first reading
+    /// that failed is not followed by a second one.
+    bool LoadFromDeviceKesCrs(const HostString& connection, DeviceNvsTypes aFilter);
+    /// Writes the configuration to a device through "KLD770xDevice", which is told whether to merge it with
+    /// what the device holds.
+    bool SaveToDeviceOstrel(const HostString& connection, bool isMerging);
+    /// Writes the configuration to an EEPROM of 2 to the power of `aEepromSizeExp` bytes through "KesEeprom".
+    /// `aEepromI2cMask` is the mask of its address on the I2C bus. A number of 0 or less leaves it to the
+    /// plug-in.
+    bool SaveToDeviceKesEeprom(const HostString& connection, std::int32_t aEepromSizeExp,
+                               std::int32_t aEepromI2cMask);
+    /// Writes the configuration to a device through "KesIsp", and has it reset afterwards on request.
+    bool SaveToDeviceKesCrs(const HostString& connection, bool aDoResetAfterWrite);
+    /// Makes a store on a device through "KLD770xDevice". `location` is otp, smem or mtp; only on smem can
+    /// the store be one of a pair. Of `storeId` and `applicationId` the low 16 bits count. A place that can
+    /// have no such store is refused without clearing what was stored before. `GetStores` shows the store
+    /// once a load has met it. Needs no chip.
+    bool CreateKeyStore(const HostString& connection, DeviceNvsTypes location, std::int32_t storeId,
+                        std::int32_t storeSizeInBytes, std::int32_t applicationId, bool paired);
 
     // Single values. A key is addressed by its number and, for a table key, its indexes; a null list of
     // indexes is an empty one. Values come and go as text. None of these operations clears an error that was
@@ -158,6 +200,14 @@ public:
 private:
     bool CanRead(const char* function) const;
     bool CanWrite(const char* function) const;
+    VemoKesConfigTools::CKesContext LoadContext() const;
+    std::unique_ptr<VemoKesConfigTools::IConfigReader> BeginDeviceLoad(const char* function,
+                                                                       const PluginWords& plugin,
+                                                                       const HostString& connection,
+                                                                       bool merge, void* argument);
+    std::unique_ptr<VemoKesConfigTools::IConfigWriter> BeginSave(const char* function,
+                                                                 const PluginWords& plugin,
+                                                                 const HostString& target, void* argument);
     bool SetAddValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                      std::int32_t device, std::int32_t store, std::int32_t layerIndex,
                      const HostString& value, bool add);

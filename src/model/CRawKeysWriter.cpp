@@ -7,6 +7,7 @@
 #include "model/IMetadataProvider.h"
 #include "model/IMetadataUser.h"
 #include "model/Payloads.h"
+#include "model/ValueRules.h"
 #include "model/Words.h"
 
 #include <algorithm>
@@ -111,7 +112,7 @@ void CRawKeysWriter::WritePayload(IPayload& payload, IConfigContext& /*context*/
 void CRawKeysWriter::EndElement(IConfigContext& context) {
     const std::string before = context.GetTag(STR_RAW_MODE);
     const IMetadata& metadata = mProvider.MetadataByPsid(mPsid, context, true);
-    const bool raw = NeedsRawForm(metadata);
+    const bool raw = !metadata.IsValid() || WasGivenRaw({mPayloads.begin(), mPayloads.end()}, metadata);
     if (raw) context.SetTag(STR_RAW_MODE, STR_TRUE);
     for (IPayload* payload : mPayloads) {
         std::unique_ptr<IPayload> formed;
@@ -129,34 +130,6 @@ std::unique_ptr<IPayload> CRawKeysWriter::WithStringForms(const IPayload& payloa
     if (!HoldsString(payload)) return nullptr;
     if (!IsString(payload)) return Copy(payload);
     return TakesItsForm(metadata, payload, !metadata.IsArray()) ? StringWith(payload, metadata) : nullptr;
-}
-
-bool CRawKeysWriter::NeedsRawForm(const IMetadata& metadata) const {
-    if (!metadata.IsValid()) return true;
-    const auto isString = [](const IPayload* payload) { return payload->Type() == PAYLOAD_TYPE_STRING; };
-    if (std::ranges::all_of(mPayloads, isString)) return !TakesStrings(metadata);
-    const bool mayHoldStrings = metadata.TypeName() == STR_OCTET_STRING;
-    return std::ranges::any_of(mPayloads, [&](const IPayload* payload) {
-        // Strings never carry metadata; whatever else has none was given raw.
-        if (isString(payload)) return !mayHoldStrings;
-        const auto* user = dynamic_cast<const IMetadataUser*>(payload);
-        return user == nullptr || user->Metadata() == nullptr;
-    });
-}
-
-bool CRawKeysWriter::TakesStrings(const IMetadata& metadata) const {
-    const std::string format = metadata.Format();
-    if (metadata.TypeName() != STR_OCTET_STRING) return false;
-    if (!format.empty() && format != STR_UNICODE_STRING && format != STR_MACADDR_STRING) return false;
-    const std::size_t count = mPayloads.size();
-    const bool rightCount = metadata.IsArray() ? std::cmp_greater_equal(count, metadata.ArrayMinLength()) &&
-                                                     std::cmp_less_equal(count, metadata.ArrayMaxLength())
-                                               : count <= 1;
-    return rightCount && std::ranges::all_of(mPayloads, [&](const IPayload* payload) {
-               const std::uint32_t length = payload->Length();
-               return std::cmp_greater_equal(length, metadata.Min()) &&
-                      std::cmp_less_equal(length, metadata.Max());
-           });
 }
 
 }  // namespace VemoKesConfigTools

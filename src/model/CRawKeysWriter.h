@@ -39,10 +39,7 @@ public:
     void WritePayload(IPayload& payload, IConfigContext& context) override;
 
 private:
-    bool NeedsRawForm(const IMetadata& metadata) const;
     static std::unique_ptr<IPayload> WithStringForms(const IPayload& payload, const IMetadata& metadata);
-    /// Whether the reader takes the payloads, all strings, as a value of the key.
-    bool TakesStrings(const IMetadata& metadata) const;
 
     IConfigWriter& mWriter;
     IMetadataProvider& mProvider;

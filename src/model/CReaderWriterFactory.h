@@ -22,6 +22,8 @@ public:
     /// Makes the plug-ins of a folder known. Of two of one name the first loaded stays; loading twice changes
     /// nothing.
     void Load(const std::string& folder);
+    /// Whether there is a plug-in of this name, whatever it can make.
+    bool Knows(const std::string& name) const { return mPlugins.contains(name); }
     /// `connection` is a path or a connection text. For readers and writers of a stream it is empty and
     /// `argument` is a pointer to a `std::iostream`, which must outlive the object.
     IConfigReader* CreateReader(const std::string& name, const std::string& connection, void* argument);

@@ -43,10 +43,11 @@ protected:
 private:
     IMetadataProvider* mpProvider = nullptr;
     std::vector<EncodedPlace> mPlaces;
-    std::unordered_set<std::string> mKeysOfPlace;  ///< in their encoded form
+    std::unordered_set<std::string> mKeysOfPlace;  ///< as key strings
+    bool mFailed = false;
     std::uint32_t mPsid = 0;
     std::vector<std::uint32_t> mIndices;
-    std::vector<const IPayload*> mPayloads;
+    std::vector<const IPayload*> mPayloads;  ///< of the current element, which live until it ends
 };
 
 }  // namespace VemoKesConfigTools

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,7 +49,7 @@ struct DecodedPlace {
 struct KeyRecord {
     std::string_view all;
     std::string_view key;       ///< number and indexes: equal for equal keys
-    std::string_view payloads;  ///< their count and themselves
+    std::string_view payloads;  ///< their count and themselves, as `DecodePayloads` takes them
     bool another = false;       ///< stands behind one of the same key
 };
 
@@ -61,6 +62,14 @@ EncodedPlace ReadPlace(ByteReader& bytes);
 std::vector<KeyRecord> SplitRecords(const EncodedPlace& place);
 /// The values of a record, without any metadata. Throws `Refusal`.
 std::vector<std::unique_ptr<IPayload>> DecodePayloads(std::string_view payloads);
+
+/// Appends a key. `payloads` is what `AppendValues` has made, or a part of a record. `another` says that a
+/// key of the same number and indexes stands before it.
+void AppendRecord(EncodedPlace& place, std::uint32_t psid, std::span<const std::uint32_t> indices,
+                  std::string_view payloads, bool another);
+
+/// Sets the context to the place, order and layer included.
+void SetPlace(CKesContext& context, const BinaryPlace& place);
 
 /// Makes elements of the records of a place. What the metadata knows uses it and must hold against it as a
 /// text must; what it does not know is taken as it is. The context is set to the place. Throws `Refusal`.

@@ -4,32 +4,17 @@
 #include "model/CStructField.h"
 #include "model/IMetadataDetail.h"
 #include "model/Payloads.h"
+#include "model/ValueRules.h"
 #include "model/Words.h"
 #include "util/misc/ignorecase.h"
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <utility>
 
 namespace VemoKesConfigTools {
 
 namespace {
-
-bool IsUnsignedField(const IMetadata& metadata) {
-    const std::string format = metadata.Format();
-    return format == STR_UNSIGNED_DECIMAL_STRING || format == STR_HEXADECIMAL_STRING;
-}
-
-/// The values that a bit field of this width has room for. One bit is 0 or 1 whatever its sign.
-std::pair<std::int64_t, std::int64_t> BitFieldRange(std::uint16_t width, bool isUnsigned) {
-    using Limits = std::numeric_limits<std::int64_t>;
-    if (width <= 1) return {0, 1};
-    if (width >= 64) return {isUnsigned ? 0 : Limits::min(), Limits::max()};
-    const auto highest =
-        static_cast<std::int64_t>((std::uint64_t{1} << (isUnsigned ? width : width - 1U)) - 1U);
-    return {isUnsigned ? 0 : -highest - 1, highest};
-}
 
 CParserError CheckRange(std::int64_t value, std::int64_t lo, std::int64_t hi, const std::string& fieldName) {
     if (value >= lo && value <= hi) return PE_NONE;
@@ -41,11 +26,10 @@ CParserError CheckRange(std::int64_t value, std::int64_t lo, std::int64_t hi, co
 
 /// Reads a bit field. The range is checked also behind a number that its type has no room for, and then tells
 /// more.
-CParserError ParseBitField(CIntegerBase& value, const CStructField& field, const IMetadata& metadata) {
+CParserError ParseBitField(CIntegerBase& value, const CStructField& field) {
     CParserError result = value.Parse();
-    const auto [lo, hi] =
-        BitFieldRange(static_cast<std::uint16_t>(field.ElemBitWidth()), IsUnsignedField(metadata));
-    CParserError range = CheckRange(value.GetValue(), lo, hi, {});
+    const BitField bits = BitFieldOf(field);
+    CParserError range = CheckRange(value.GetValue(), bits.min, bits.max, {});
     return range.Ok() ? result : range;
 }
 
@@ -96,7 +80,7 @@ CParserError CStruct::ParseField(const CStructField& field, CParseContext* conte
         result = array->Parse(metadata, context);
     } else if (auto* integer = dynamic_cast<CIntegerBase*>(value.get())) {
         result =
-            isBitField ? ParseBitField(*integer, field, metadata) : ParseIntegerField(*integer, metadata);
+            isBitField ? ParseBitField(*integer, field) : ParseIntegerField(*integer, metadata);
     } else {
         result = value->Parse();
     }
@@ -105,12 +89,24 @@ CParserError CStruct::ParseField(const CStructField& field, CParseContext* conte
 }
 
 KEYTYPE CStruct::Width(const CStructField& field) {
-    const bool isUnsigned = IsUnsignedField(*field.Metadata());
-    const std::int32_t width = field.ElemBitWidth();
-    if (width <= 8) return isUnsigned ? KT_UINT8 : KT_INT8;
-    if (width <= 16) return isUnsigned ? KT_UINT16 : KT_INT16;
-    if (width <= 32) return isUnsigned ? KT_UINT32 : KT_INT32;
-    return isUnsigned ? KT_UINT64 : KT_INT64;
+    switch (BitFieldOf(field).type) {
+        case PAYLOAD_TYPE_UINT8:
+            return KT_UINT8;
+        case PAYLOAD_TYPE_UINT16:
+            return KT_UINT16;
+        case PAYLOAD_TYPE_UINT32:
+            return KT_UINT32;
+        case PAYLOAD_TYPE_UINT64:
+            return KT_UINT64;
+        case PAYLOAD_TYPE_INT8:
+            return KT_INT8;
+        case PAYLOAD_TYPE_INT16:
+            return KT_INT16;
+        case PAYLOAD_TYPE_INT32:
+            return KT_INT32;
+        default:
+            return KT_INT64;
+    }
 }
 
 bool CStruct::GetPayloadType(const std::string& typeName, PayloadTypeEnum& type) {

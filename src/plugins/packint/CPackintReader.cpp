@@ -1,0 +1,52 @@
+#include "plugins/packint/CPackintReader.h"
+
+#include "model/CKesContext.h"
+#include "model/Words.h"
+#include "plugins/binary/ChunkFile.h"
+#include "plugins/binary/Refusal.h"
+#include "plugins/binary/SafeFile.h"
+
+namespace VemoKesConfigTools {
+
+namespace {
+
+/// The stores that a text lists too, in the order in which it gives them.
+bool IsStore(std::int32_t device) {
+    return device == IStoreManager::DEVICE_OTP || device == IStoreManager::DEVICE_MTP ||
+           device == IStoreManager::DEVICE_SMEM || device == IStoreManager::DEVICE_EEPROM;
+}
+
+}  // namespace
+
+std::string CPackintReader::Content() const {
+    if (mpStream == nullptr) return ReadFile(mFileName);
+    mpStream->clear();
+    mpStream->seekg(0, std::ios::end);
+    const std::streamoff size = mpStream->tellg();
+    std::string content(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
+    mpStream->seekg(0);
+    mpStream->read(content.data(), static_cast<std::streamsize>(content.size()));
+    if (mpStream->gcount() != static_cast<std::streamsize>(content.size()))
+        throw Refusal(STR_FILE_READ_ERR, "the stream ends too early");
+    return content;
+}
+
+std::vector<EncodedPlace> CPackintReader::Collect(CKesContext& context, std::string& subject) {
+    subject = mpStream == nullptr ? mFileName : context.GetTag(STR_INPUT_FILE);
+    Chunk chunk = DecodeChunk(Content());
+    if (chunk.system != context.Chip()) {
+        throw Refusal(STR_OPERATION_INVALID,
+                      "is of the system " + chunk.system + ", the configuration of " + context.Chip());
+    }
+    const BinaryPlace& place = chunk.place.place;
+    if (IsStore(place.device)) {
+        constexpr std::int32_t UNKNOWN_SIZE = -1;
+        AddStore({static_cast<IStoreManager::DEVICE>(place.device), static_cast<std::uint16_t>(place.store),
+                  static_cast<std::uint32_t>(UNKNOWN_SIZE), UNKNOWN_SIZE, 0, place.order, false});
+    }
+    std::vector<EncodedPlace> places;
+    places.push_back(std::move(chunk.place));
+    return places;
+}
+
+}  // namespace VemoKesConfigTools

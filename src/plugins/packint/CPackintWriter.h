@@ -1,0 +1,24 @@
+#pragma once
+
+#include "plugins/binary/CBinaryWriter.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace VemoKesConfigTools {
+
+/// Writes a folder of chunk files, one for each place. Chunk files that are there and that this
+/// configuration does not have are removed; other files are never touched.
+class CPackintWriter final : public CBinaryWriter {
+public:
+    explicit CPackintWriter(std::string folder) : mFolder(std::move(folder)) {}
+
+protected:
+    void Save(std::vector<EncodedPlace> places, CKesContext& context, std::string& subject) override;
+
+private:
+    std::string mFolder;
+};
+
+}  // namespace VemoKesConfigTools
