@@ -3,6 +3,7 @@
 #include "model/IStoreManager.h"
 #include "model/Words.h"
 #include "plugins/binary/Bytes.h"
+#include "plugins/binary/DeviceWords.h"
 #include "plugins/binary/Refusal.h"
 
 #include <algorithm>
@@ -75,6 +76,7 @@ void CheckStore(const StoreRecord& store, const ImageHeader& header) {
         areaEnd > std::uint64_t{memory->offset} + memory->size)
         fail("it lies outside of its memory");
     if (store.length > store.bankSize - BANK_OVERHEAD) fail("its content is larger than the store");
+    if ((store.sequence == 0) != (store.length == 0)) fail("its content makes no sense");
     if (!memory->oneTimeProgrammable) {
         if (store.current > 1) fail("it has no such bank");
         return;
@@ -112,8 +114,8 @@ StoreRecord DecodeStore(ByteReader& bytes) {
     store.takesEveryId = flags & FLAG_EVERY_ID;
     store.takesOtherPlaces = flags & FLAG_OTHER_PLACES;
     store.automatic = flags & FLAG_AUTOMATIC;
-    for (std::uint32_t* field : {&store.offset, &store.bankSize, &store.current, &store.sequence,
-                                 &store.length, &store.crc})
+    for (std::uint32_t* field :
+         {&store.offset, &store.bankSize, &store.current, &store.sequence, &store.length, &store.crc})
         *field = bytes.Fixed<std::uint32_t>();
     return store;
 }
@@ -269,8 +271,7 @@ FoundBank LookAtBank(std::string_view bytes) {
     FoundBank found;
     if (bytes.size() < BANK_OVERHEAD) return found;
     const std::string_view start = bytes.substr(0, BANK_OVERHEAD);
-    found.isBlank =
-        start == std::string(BANK_OVERHEAD, ERASED) || start == std::string(BANK_OVERHEAD, '\0');
+    found.isBlank = start == std::string(BANK_OVERHEAD, ERASED) || start == std::string(BANK_OVERHEAD, '\0');
     ByteReader reader(bytes);
     if (reader.Fixed<std::uint32_t>() != BANK_MAGIC) return found;
     const auto sequence = reader.Fixed<std::uint32_t>();
@@ -286,27 +287,20 @@ FoundBank LookAtBank(std::string_view bytes) {
 }
 
 std::string NameOfMemory(ImageFamily family, std::int32_t device) {
-    switch (device) {
-        case IStoreManager::DEVICE_OTP:
-            return std::string(STR_DEVICE_OTP);
-        case IStoreManager::DEVICE_SMEM:
-            return std::string(STR_DEVICE_SMEM);
-        case IStoreManager::DEVICE_MTP:
-            return std::string(STR_DEVICE_MTP);
-        case IStoreManager::DEVICE_CUR_CFG:
-            return std::string(STR_STORESET_CUR_CFG_FS);
-        case IStoreManager::DEVICE_FW_CFG:
-            return std::string(STR_STORESET_FW_CFG_FS);
-        case IStoreManager::DEVICE_EEPROM:
-            return std::string(family == ImageFamily::Isp ? STR_STORESET_DEV_CFG_FS : STR_DEVICE_EEPROM);
-        default:
-            return "of device " + std::to_string(device);
-    }
+    if (family == ImageFamily::Isp && device == IStoreManager::DEVICE_DEV_CFG)
+        return std::string(STR_STORESET_DEV_CFG_FS);
+    return DeviceWord(device);
 }
 
 std::string NameOfStore(ImageFamily family, const StoreRecord& store) {
     const std::string name = "store " + NameOfMemory(family, store.device);
     return store.takesEveryId || store.takesOtherPlaces ? name : name + " " + std::to_string(store.id);
+}
+
+void CheckFits(ImageFamily family, const StoreRecord& store, std::uint64_t room, std::uint64_t needed) {
+    if (needed <= room) return;
+    throw Refusal(STR_FILE_WRITE_ERR, NameOfStore(family, store) + " has room for " + std::to_string(room) +
+                                          " bytes, " + std::to_string(needed) + " are needed");
 }
 
 }  // namespace VemoKesConfigTools

@@ -10,8 +10,8 @@
 
 namespace VemoKesConfigTools {
 
-// The fixed parts of a device image, byte for byte as docs/device-image.md tells them. What is decoded here has
-// been checked: all that it says of places and sizes lies in the image and apart from each other.
+// The fixed parts of a device image, byte for byte as docs/device-image.md tells them. What is decoded here
+// has been checked: all that it says of places and sizes lies in the image and apart from each other.
 
 inline constexpr std::string_view IMAGE_MAGIC = "\x89KDI\r\n\x1A\n";
 /// Header, memory table, checksum and selector.
@@ -30,7 +30,9 @@ inline constexpr std::uint32_t STORE_RECORD_SIZE = 32;
 inline constexpr char ERASED = '\xFF';
 
 /// The next multiple of the alignment.
-constexpr std::uint64_t Align(std::uint64_t offset) { return (offset + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT; }
+constexpr std::uint64_t Align(std::uint64_t offset) {
+    return (offset + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+}
 
 /// A memory of the device as the header has it.
 struct ImageMemory {
@@ -118,11 +120,15 @@ struct FoundBank {
 FoundBank LookAtBank(std::string_view bytes);
 
 /// The number behind a sequence number; 0 is none.
-constexpr std::uint32_t NextSequence(std::uint32_t sequence) { return sequence == UINT32_MAX ? 1 : sequence + 1; }
+constexpr std::uint32_t NextSequence(std::uint32_t sequence) {
+    return sequence == UINT32_MAX ? 1 : sequence + 1;
+}
 
 /// "otp", "dev_cfg": the word for a memory in messages.
 std::string NameOfMemory(ImageFamily family, std::int32_t device);
 /// "store smem 1", "store eeprom": the words for a store in messages.
 std::string NameOfStore(ImageFamily family, const StoreRecord& store);
+/// Refuses a content that is larger than the room for it.
+void CheckFits(ImageFamily family, const StoreRecord& store, std::uint64_t room, std::uint64_t needed);
 
 }  // namespace VemoKesConfigTools
