@@ -109,7 +109,7 @@ int Run(const Globals& globals, const DiffOptions& options) {
     document["files"] = options.files;
     Json& systems = document["systems"] = Json::array();
     for (const std::string& name : options.files) {
-        const ConfigInput input = OpenConfig(name);
+        const ConfigInput input = OpenConfig(ConfigSource(name));
         if (const ExitCode loaded = loader.LoadWhatIsGood(input); loaded != EXIT_FINE) return loaded;
         systems.push_back(Text(loader.Chip()->SystemVersionLabel()));
         const PlaceFilter filter(loader.Library(), *loader.Chip(), options.place);

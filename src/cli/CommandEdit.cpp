@@ -82,7 +82,7 @@ std::vector<Assignment> ParseKeys(const std::vector<std::string>& words) {
 ConfigInput OpenOrBegin(const Globals& globals, const EditOptions& options, EditKind kind) {
     std::error_code failed;
     const bool isThere = options.file == "-" || std::filesystem::exists(options.file, failed);
-    if (isThere || kind == EditKind::Unset) return OpenConfig(options.file);
+    if (isThere || kind == EditKind::Unset) return OpenConfig(ConfigSource(options.file));
     if (!options.create) {
         throw Failure(EXIT_SYSTEM, options.file + ": there is no such file; --create begins a new text");
     }

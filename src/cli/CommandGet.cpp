@@ -23,7 +23,10 @@ struct GetOptions {
 class Getter {
 public:
     Getter(const Globals& globals, const GetOptions& options)
-        : mGlobals(globals), mOptions(options), mLoader(globals), mInput(OpenConfig(options.file)) {}
+        : mGlobals(globals),
+          mOptions(options),
+          mLoader(globals),
+          mInput(OpenConfig(ConfigSource(options.file))) {}
 
     int Run() {
         if (const ExitCode loaded = mLoader.LoadWhatIsGood(mInput); loaded != EXIT_FINE) return loaded;

@@ -1,11 +1,10 @@
 #include "cli/Comments.h"
-#include "cli/ConfigLoader.h"
+#include "cli/ConfigWriter.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/OutputFile.h"
 #include "cli/UnifiedDiff.h"
-#include "facade/Framework.h"
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
@@ -31,7 +30,10 @@ struct RewriteOptions {
 class Rewriter {
 public:
     Rewriter(const Globals& globals, const RewriteOptions& options)
-        : mGlobals(globals), mOptions(options), mLoader(globals), mInput(OpenConfig(options.file)) {
+        : mGlobals(globals),
+          mOptions(options),
+          mLoader(globals),
+          mInput(OpenConfig(ConfigSource(options.file))) {
         if (mInput.Text() != nullptr) return;
         throw Failure(EXIT_USAGE, options.file + " is no text; \"kes convert\" makes one of it");
     }
@@ -82,15 +84,7 @@ private:
         api::TextForm form;
         form.simple = mOptions.simple;
         form.readsBack = true;
-        if (!mLoader.Facade().SaveText(path, form)) {
-            api::HostString message;
-            api::Framework::GetLastError(message);
-            throw Failure(EXIT_SYSTEM, Text(message));
-        }
-        api::FrameworkFacade again(mGlobals.database);
-        again.OwningChip(mLoader.Chip());
-        again.LoadText(path, /*merge=*/false);
-        const api::HostString difference = mLoader.Facade().FirstDifference(again);
+        const api::HostString difference = ConfigWriter(mGlobals, mLoader).WriteText(path, form);
         if (difference.IsNull()) return EXIT_FINE;
         mLoader.Messages().Report(
             mInput.Name(), "error",

@@ -58,7 +58,7 @@ void PrintTable(const Json& stores) {
 
 int Run(const Globals& globals, const std::string& name) {
     ConfigLoader loader(globals);
-    const ConfigInput input = OpenConfig(name);
+    const ConfigInput input = OpenConfig(ConfigSource(name));
     if (const ExitCode loaded = loader.LoadWhatIsGood(input); loaded != EXIT_FINE) return loaded;
     Json document = JsonDocument("stores");
     document["file"] = input.Name();

@@ -34,7 +34,7 @@ private:
     std::optional<TextFile> mFile;
 };
 
-/// The configuration of this name. The failure names it, for commands that print no other message about it.
-ConfigInput OpenConfig(const std::string& name);
+/// Opens a configuration. The failure names it, for commands that print no other message about it.
+ConfigInput OpenConfig(const ConfigSource& source);
 
 }  // namespace kes::cli
