@@ -77,8 +77,10 @@ Fit FitOf(const IPayload& held, const IPayload& wanted) {
 }
 
 Fit FitOf(const KeyRecord& held, const KeyRecord& wanted) {
-    const auto before = DecodePayloads(held.payloads);
-    const auto after = DecodePayloads(wanted.payloads);
+    const PayloadList listBefore = DecodePayloads(held.payloads);
+    const PayloadList listAfter = DecodePayloads(wanted.payloads);
+    const auto& before = listBefore.Get();
+    const auto& after = listAfter.Get();
     if (before.size() != after.size()) return Fit::HasAnotherForm;
     Fit worst = Fit::SetsBits;
     for (std::size_t i = 0; i < before.size(); ++i) worst = std::max(worst, FitOf(*before[i], *after[i]));
