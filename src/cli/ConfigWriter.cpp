@@ -33,15 +33,27 @@ void RemoveSetsOf(api::FrameworkFacade& other, api::FrameworkFacade& facade) {
 }  // namespace
 
 api::HostString ConfigWriter::WriteText(const std::string& path, const api::TextForm& form) {
-    if (!mLoader.Facade().SaveText(path, form)) {
-        api::HostString message;
-        api::Framework::GetLastError(message);
-        throw Failure(EXIT_SYSTEM, Text(message));
-    }
+    SaveText(path, form);
     api::FrameworkFacade again(mGlobals.database);
     again.OwningChip(mLoader.Chip());
     again.LoadText(path, /*merge=*/false);
     return mLoader.Facade().FirstDifference(again);
+}
+
+std::string ConfigWriter::AsText() {
+    api::TextForm form;
+    form.simple = true;
+    form.readsBack = true;
+    const Scratch text({});
+    SaveText(text.Path(), form);
+    return ReadWhole(text.Path());
+}
+
+void ConfigWriter::SaveText(const std::string& path, const api::TextForm& form) {
+    if (mLoader.Facade().SaveText(path, form)) return;
+    api::HostString message;
+    api::Framework::GetLastError(message);
+    throw Failure(EXIT_SYSTEM, Text(message));
 }
 
 ExitCode ConfigWriter::Save(const ConfigSource& target, const SaveOptions& options) {
@@ -51,11 +63,7 @@ ExitCode ConfigWriter::Save(const ConfigSource& target, const SaveOptions& optio
     if (keeps) {
         if (const ExitCode failed = Load(expected, target); failed != EXIT_FINE) return failed;
         if (target.kind == ConfigKind::ISP) RemoveSetsOf(mLoader.Facade(), expected);
-        api::TextForm form;
-        form.simple = true;
-        form.readsBack = true;
-        const Scratch text({});
-        mLoader.Facade().SaveText(text.Path(), form);
+        const Scratch text(AsText());
         expected.LoadText(text.Path(), /*merge=*/true);
     }
     const Listener listener;

@@ -15,11 +15,14 @@ public:
 
     /// Writes a text. Gives where it would not read back the same, null when it does. Throws `Failure`.
     api::HostString WriteText(const std::string& path, const api::TextForm& form);
+    /// The configuration as a text of one line for each key. Throws `Failure`.
+    std::string AsText();
     /// Writes to a folder of chunk files or to a device. `EXIT_FINE`, or another code with the reason
     /// printed; the target is then as it was, unless the reason is that it does not read back.
     ExitCode Save(const ConfigSource& target, const SaveOptions& options);
 
 private:
+    void SaveText(const std::string& path, const api::TextForm& form);
     ExitCode Load(api::FrameworkFacade& facade, const ConfigSource& source);
     ExitCode Report(const ConfigSource& target, const Listener& listener);
 
