@@ -238,12 +238,22 @@ private:
         }
     }
 
-    /// Files, of all kinds; behind a prefix too, which the shells cut off.
+    /// A prefix that is being typed, unless it is a file; files and folders for anything else.
     void Configs() {
         for (const ConfigPrefix& prefix : CONFIG_PREFIXES) {
-            if (!mWord.empty()) Offer(std::string(prefix.word), prefix.meaning);
+            if (mWord.starts_with(prefix.word)) break;
+            if (mWord.empty() || !prefix.word.starts_with(mWord) || IsFileBegun()) continue;
+            return Offer(std::string(prefix.word), prefix.meaning);
         }
-        std::cout << ":files\n";
+        std::cout << (mWord.starts_with("chunks:") ? ":folders\n" : ":files\n");
+    }
+
+    bool IsFileBegun() const {
+        std::error_code failed;
+        const std::filesystem::directory_iterator folder(".", failed);
+        return std::any_of(begin(folder), end(folder), [&](const auto& entry) {
+            return entry.path().filename().string().starts_with(mWord);
+        });
     }
 
     void HelpTopics() {

@@ -18,9 +18,9 @@ using namespace kes::cli;
 
 /// The commands in the order of the help.
 constexpr void (*COMMANDS[])(CLI::App&, Globals&) = {
-    AddCheck,   AddGet,      AddSet,      AddAdd,        AddUnset, AddList,  AddDiff,
-    AddRewrite, AddConvert,  AddDefaults, AddStores,     AddRaw,   AddChips, AddSubsystems,
-    AddKeys,    AddDescribe, AddMetadata, AddCompletion, AddHelp};
+    AddCheck,      AddGet,     AddSet,      AddAdd,      AddUnset,      AddList, AddDiff,
+    AddRewrite,    AddConvert, AddDevice,   AddDefaults, AddStores,     AddRaw,  AddChips,
+    AddSubsystems, AddKeys,    AddDescribe, AddMetadata, AddCompletion, AddHelp};
 
 /// The words in the order that CLI11 wants, the last first. It would split "[00, 11]", which can be a value,
 /// at its commas and take the brackets away; a blank in front keeps it whole.
