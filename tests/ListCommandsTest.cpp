@@ -3,8 +3,10 @@
 
 #include "support/Files.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -104,8 +106,8 @@ TEST_F(Reading, AnswersInTextOnStandardOutputAlone) {
         {"kes diff f g --store 1 --subsystem wlan", 0, "", WARNINGS},
         {"kes diff --defaults g --subsystem wlan", 1, "~ wlan eeprom 1: tx_power_limit.0.1 = 70 -> 5\n"},
         {"kes diff - -", 2, "", "standard input can be given once"},
-        {"kes diff g", 2, "", "two texts are compared"},
-        {"kes diff g g --defaults", 2, "", "--defaults takes one text"},
+        {"kes diff g", 2, "", "two configurations are compared"},
+        {"kes diff g g --defaults", 2, "", "--defaults takes one configuration"},
         {"kes defaults tx_power_limit.0.1 max_acl_links", 0,
          "SUBSYSTEM  KEY                 VALUE\nwlan       tx_power_limit.0.1  70\nbt         max_acl_links  "
          "     7\n"},
@@ -176,6 +178,78 @@ TEST_F(Reading, AnswersInJson) {
     EXPECT_EQ(document["results"][1],
               Json::parse(R"({"subsystem": "wlan", "number": 8219, "name": "tx_power_limit",
         "indexes": [0, 1], "key": "tx_power_limit.0.1", "value": "70"})"));
+}
+
+std::string SortedLines(const std::string& text) {
+    std::multiset<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) lines.insert(line);
+    std::string sorted;
+    for (const std::string& line : lines) sorted += line + "\n";
+    return sorted;
+}
+
+/// What chunk files and devices hold is told as of a text, but for the order of their places.
+TEST_F(Reading, AllKindsTellTheSame) {
+    const char* lines[] = {"kes get X front_end_loss",
+                           "kes get X 0x1005 front_end_loss 4480 --subsystem bt --store 1",
+                           "kes get X local_name",
+                           "kes get X lost_links",
+                           "kes list X",
+                           "kes list X --changed --subsystem bt",
+                           "kes list X --json | sed 's/\"file\".*//;s/,$//'",
+                           "kes raw X",
+                           "kes diff X f 2>/dev/null",
+                           "kes diff X --defaults",
+                           "kes check X",
+                           "kes diff g X"};
+    ASSERT_EQ(Run("kes convert g chunks/ && kes device create kld:k --size 16K && kes convert g kld:k").code,
+              0);
+    for (const std::string line : lines) {
+        const Outcome text = Run(Replaced(line, "X", "g"));
+        for (const std::string config : {"chunks", "chunks:chunks", "kld:k"}) {
+            const Outcome other = Run(Replaced(line, "X", config));
+            EXPECT_EQ(other.code, text.code) << config << ": " << line << other.err;
+            EXPECT_EQ(SortedLines(other.out), SortedLines(text.out)) << config << ": " << line;
+            EXPECT_EQ(other.err, Replaced(text.err, "g:", config + ":"));
+        }
+    }
+    EXPECT_TRUE(Holds(Run("kes stores chunks").out, "\neeprom  4      1     bt\n"));
+    const Json store = Document("kes stores kld:k")["results"][0];
+    EXPECT_GT(store["size"], store["free"]);
+}
+
+TEST_F(Reading, WhatDoesNotLoadIsAFailureWithItsReason) {
+    folder.Write("none", "no image");
+    std::filesystem::create_directory(folder / "empty.d");
+    ASSERT_EQ(Run("kes convert g chunks/ && echo x >>chunks/bt-eeprom-0004.kcf").code, 0);
+    const struct {
+        const char* config;
+        int check;
+        const char* message;
+    } rows[] = {{"kld:none", 1, "kld:none: error: "},
+                {"kld:missing", 3, "kld:missing: error: unable to open the file: missing: No such file"},
+                {"empty.d", 1, "empty.d: error: Folder does not contain readable *.kcf files."},
+                {"missing/", 3, "missing/: "},
+                {"chunks", 1, "bt-eeprom-0004.kcf"}};
+    for (const auto& row : rows) {
+        const std::string config = row.config;
+        const Outcome checked = Run("kes check " + config);
+        EXPECT_EQ(checked.code, row.check) << checked.err;
+        EXPECT_TRUE(Holds(checked.err, row.message)) << checked.err;
+        Json document = Json::parse(Run("kes check --json " + config).out);
+        EXPECT_EQ(document["results"][0]["exit"], row.check) << config;
+        EXPECT_EQ(document["results"][0]["errors"].size(), 1U) << config;
+        document = Json::parse(Run("kes check --format=sarif " + config).out);
+        const Json& run = document["runs"][0];
+        EXPECT_EQ(run["results"].size() + run["invocations"][0].count("toolExecutionNotifications"), 1U);
+        for (const char* line : {"kes list ", "kes raw ", "kes stores ", "kes diff g "}) {
+            const Outcome outcome = Run(line + config);
+            EXPECT_EQ(outcome.code, 3) << line << config;
+            EXPECT_EQ(outcome.out, "") << line << config;
+            EXPECT_TRUE(Holds(outcome.err, row.message)) << line << outcome.err;
+        }
+    }
 }
 
 /// Each row of the text forms has its record in the other form, over the largest example.
