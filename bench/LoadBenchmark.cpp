@@ -1,5 +1,5 @@
-// What loading a text costs, through the host API and the real plug-ins. The metadata is loaded before the
-// clock runs.
+// What loading a text or a folder of chunk files costs, through the host API and the real plug-ins. The
+// metadata is loaded before the clock runs.
 
 #include "bench/Workload.h"
 #include "facade/Framework.h"
@@ -46,7 +46,34 @@ void Load(benchmark::State& state, bool withPrefix) {
 void LoadKeys(benchmark::State& state) { Load(state, false); }
 void LoadKeysWithPrefix(benchmark::State& state) { Load(state, true); }
 
+/// The same keys as `LoadKeys` has, from a folder. The counter tells the size of the folder to that of the
+/// text.
+void LoadChunks(benchmark::State& state) {
+    const std::int64_t keys = state.range(0);
+    const Workload workload(keys);
+    const std::string text = workload.Text(keys, false);
+    const std::string folder = workload.Folder();
+    Framework::Init(KES_BENCH_PLUGIN_DIR);
+    FrameworkFacade facade(workload.Database());
+    facade.OwningChip(std::make_shared<Chip>("", 76, "", "", "bench", "", "", ""));
+    if (!facade.LoadText(text, false) || !facade.SaveBinary(folder) || !facade.LoadBinary(folder, false))
+        throw std::runtime_error("the workload has errors");
+    std::uintmax_t size = 0;
+    for (const auto& file : std::filesystem::directory_iterator(folder)) size += file.file_size();
+    for (auto _ : state) {
+        state.PauseTiming();
+        facade.LoadBlank();
+        state.ResumeTiming();
+        if (!facade.LoadBinary(folder, false)) state.SkipWithError("load failed");
+    }
+    state.SetItemsProcessed(state.iterations() * keys);
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(size));
+    state.counters["size/text"] =
+        static_cast<double>(size) / static_cast<double>(std::filesystem::file_size(text));
+}
+
 BENCHMARK(LoadKeys)->Arg(10)->Arg(1000)->Arg(100000)->Arg(400000)->Unit(benchmark::kMillisecond);
 BENCHMARK(LoadKeysWithPrefix)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(LoadChunks)->Arg(10)->Arg(1000)->Arg(100000)->Arg(400000)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -53,6 +53,7 @@ public:
     ~Workload() { std::filesystem::remove_all(mFolder); }
 
     std::string Database() const { return (mFolder / "bench.db").string(); }
+    std::string Folder() const { return (mFolder / "chunks").string(); }
     std::string ArrayText(std::int64_t items) const {
         const std::string path = (mFolder / "bench.ktf").string();
         std::ofstream file(path, std::ios::binary);

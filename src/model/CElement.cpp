@@ -7,11 +7,12 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <utility>
 
 namespace VemoKesConfigTools {
 
-CElement::CElement(std::uint32_t psid, const std::vector<IPayload*>& payloads, bool changed)
-    : mPsid(psid), mValid(true), mChanged(changed), mPayloads(payloads) {}
+CElement::CElement(std::uint32_t psid, std::vector<IPayload*> payloads, bool changed)
+    : mPsid(psid), mValid(true), mChanged(changed), mPayloads(std::move(payloads)) {}
 
 CElement::~CElement() {
     for (const IPayload* payload : mPayloads) delete payload;

@@ -19,7 +19,7 @@ public:
     /// The element that is not valid.
     CElement() = default;
     /// Takes over the payloads. `changed` tells that the element differs from what was read.
-    CElement(std::uint32_t psid, const std::vector<IPayload*>& payloads, bool changed);
+    CElement(std::uint32_t psid, std::vector<IPayload*> payloads, bool changed);
     CElement(const CElement&) = delete;
     CElement& operator=(const CElement&) = delete;
 

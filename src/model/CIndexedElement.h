@@ -3,6 +3,7 @@
 #include "model/CElement.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace VemoKesConfigTools {
@@ -15,6 +16,12 @@ public:
     CIndexedElement(std::uint32_t psid, const std::string& name, const std::vector<std::uint32_t>& indices,
                     const std::vector<IPayload*>& payloads, bool changed)
         : CElement(psid, payloads, changed), mName(name), mIndices(indices) {}
+    /// The same without a copy of anything.
+    CIndexedElement(std::uint32_t psid, std::string&& name, std::vector<std::uint32_t>&& indices,
+                    std::vector<IPayload*>&& payloads, bool changed)
+        : CElement(psid, std::move(payloads), changed),
+          mName(std::move(name)),
+          mIndices(std::move(indices)) {}
 
     std::span<const std::uint32_t> Indices() const override { return mIndices; }
     std::string ToString() const override;

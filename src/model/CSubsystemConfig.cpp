@@ -36,22 +36,24 @@ CSubsystemConfig::~CSubsystemConfig() {
 }
 
 bool CSubsystemConfig::OnElementFound(CElement* element, IConfigContext& context) {
-    const auto found = mSlots.find(KeyOf(*element));
-    if (found == mSlots.end()) {
-        Append(element);
+    const auto last = mElements.insert(mElements.end(), element);
+    const auto [slot, isNew] = mSlots.insert({last, SlotHash()(KeyOf(*element)), nullptr});
+    if (isNew) {
+        if (!element->Indices().empty()) ++mIndexedSlots[element->PsId()];
     } else if (context.TagMatches(STR_INSERT_MODE, STR_APPEND)) {
-        if (!found->others) found->others = std::make_unique<std::vector<ElementList::iterator>>();
-        found->others->push_back(mElements.insert(mElements.end(), element));
+        if (!slot->others) slot->others = std::make_unique<std::vector<ElementList::iterator>>();
+        slot->others->push_back(last);
     } else {
-        DropOthers(*found);
-        delete std::exchange(*found->first, element);
+        mElements.erase(last);
+        DropOthers(*slot);
+        delete std::exchange(*slot->first, element);
     }
     return true;
 }
 
-void CSubsystemConfig::Append(CElement* element) {
-    mSlots.insert({mElements.insert(mElements.end(), element), SlotHash()(KeyOf(*element)), nullptr});
-    if (!element->Indices().empty()) ++mIndexedSlots[element->PsId()];
+void CSubsystemConfig::Reserve(std::size_t keys) {
+    // A place that holds some already grows by itself, in steps that do not depend on how many come.
+    if (mSlots.empty()) mSlots.reserve(keys);
 }
 
 bool CSubsystemConfig::ElementsIsEmpty(std::uint32_t psid) const {

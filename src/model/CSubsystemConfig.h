@@ -32,6 +32,8 @@ public:
     /// Takes over the element. With the insert mode "append" it goes behind those of its key; otherwise it
     /// replaces every element of its key, at the position of the first.
     bool OnElementFound(CElement* element, IConfigContext& context) override;
+    /// Makes room for this many keys in an empty place, for readers that know how many come.
+    void Reserve(std::size_t keys);
 
     /// The subsystem type, low 16 bits.
     std::uint16_t Type() const { return static_cast<std::uint16_t>(mContext.SubsystemType()); }
@@ -77,7 +79,6 @@ private:
     static Key KeyOf(const CElement& element);
     static bool SameElements(const Slot& left, const Slot& right);
     void DropOthers(const Slot& slot);
-    void Append(CElement* element);
 
     CKesContext mContext;
     ElementList mElements;

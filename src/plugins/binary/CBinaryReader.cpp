@@ -3,6 +3,7 @@
 #include "messages/CTheMsgHnd.h"
 #include "model/CElement.h"
 #include "model/CKesContext.h"
+#include "model/CSubsystemConfig.h"
 #include "model/IConfigReaderElementObserver.h"
 #include "model/IConfigReaderObserver.h"
 #include "model/IMetadataProvider.h"
@@ -46,6 +47,8 @@ void CBinaryReader::Deliver(std::vector<DecodedPlace>& places, CKesContext& cont
         mpObserver->OnSubsystemFound(*this, context);
         mpProvider->MetadataList(context, true);
         if (mpElementObserver == nullptr) continue;
+        if (auto* config = dynamic_cast<CSubsystemConfig*>(mpElementObserver))
+            config->Reserve(place.keys.size());
         for (DecodedPlace::Key& key : place.keys) {
             // The first of a key goes in as the caller wishes, the others of this place behind it.
             if (key.another) context.SetTag(STR_INSERT_MODE, STR_APPEND);

@@ -10,7 +10,6 @@
 #include "model/Words.h"
 #include "plugins/binary/DeviceWords.h"
 #include "plugins/binary/Refusal.h"
-#include "plugins/binary/ValueCodec.h"
 
 #include <limits>
 #include <utility>
@@ -52,19 +51,15 @@ std::string NameOf(const RecordHead& head, const IMetadata& metadata) {
     return metadata.IsValid() ? metadata.Name() + " (" + number + ")" : "key " + number;
 }
 
-std::unique_ptr<CElement> MakeElement(const RecordHead& head, PayloadList payloads,
-                                      const IMetadata& metadata) {
-    std::vector<IPayload*> owned;
-    owned.reserve(payloads.size());
-    for (const auto& payload : payloads) owned.push_back(payload.get());
-    auto element = std::make_unique<CIndexedElement>(
-        head.psid, metadata.IsValid() ? metadata.Name() : std::string(), head.indices, owned, false);
-    for (auto& payload : payloads) static_cast<void>(payload.release());
+std::unique_ptr<CElement> MakeElement(RecordHead& head, PayloadList payloads, const IMetadata& metadata) {
+    auto element =
+        std::make_unique<CIndexedElement>(head.psid, metadata.IsValid() ? metadata.Name() : std::string(),
+                                          std::move(head.indices), payloads.Release(), false);
     element->Use(metadata.IsValid() ? metadata : CNullMetadata::Ref());
     return element;
 }
 
-std::unique_ptr<CElement> DecodeKey(const RecordHead& head, ByteReader& bytes, const IMetadata& metadata) {
+std::unique_ptr<CElement> DecodeKey(RecordHead& head, ByteReader& bytes, const IMetadata& metadata) {
     try {
         if (!metadata.IsValid()) return MakeElement(head, ReadValues(bytes), metadata);
         const std::uint32_t indexes = metadata.NumIndexes();
@@ -126,7 +121,7 @@ std::vector<KeyRecord> SplitRecords(const EncodedPlace& place) {
     return records;
 }
 
-std::vector<std::unique_ptr<IPayload>> DecodePayloads(std::string_view payloads) {
+PayloadList DecodePayloads(std::string_view payloads) {
     ByteReader bytes(payloads);
     return ReadValues(bytes);
 }
@@ -148,7 +143,7 @@ DecodedPlace DecodePlace(const EncodedPlace& encoded, IMetadataProvider& provide
     decoded.keys.reserve(encoded.keyCount);
     ByteReader bytes(encoded.records);
     for (std::uint32_t i = 0; i < encoded.keyCount; ++i) {
-        const RecordHead head = ReadHead(bytes, encoded.records);
+        RecordHead head = ReadHead(bytes, encoded.records);
         const IMetadata& metadata = provider.MetadataByPsid(head.psid, context, true);
         decoded.keys.push_back({DecodeKey(head, bytes, metadata), head.another});
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plugins/binary/Bytes.h"
+#include "plugins/binary/ValueCodec.h"
 
 #include <cstdint>
 #include <memory>
@@ -61,7 +62,7 @@ EncodedPlace ReadPlace(ByteReader& bytes);
 /// Cuts the records of a place apart. Throws `Refusal`.
 std::vector<KeyRecord> SplitRecords(const EncodedPlace& place);
 /// The values of a record, without any metadata. Throws `Refusal`.
-std::vector<std::unique_ptr<IPayload>> DecodePayloads(std::string_view payloads);
+PayloadList DecodePayloads(std::string_view payloads);
 
 /// Appends a key. `payloads` is what `AppendValues` has made, or a part of a record. `another` says that a
 /// key of the same number and indexes stands before it.

@@ -194,6 +194,15 @@ private:
     bool mRaw = false;
 };
 
+/// Whether any of the values was given raw.
+bool ReadAll(ByteReader& bytes, const IMetadata* metadata, PayloadList& payloads) {
+    const std::size_t count = bytes.Count(2);
+    payloads.Reserve(count);
+    ValueReader reader(bytes);
+    for (std::size_t i = 0; i < count; ++i) payloads.Add(reader.Read(metadata, nullptr));
+    return reader.MetRaw();
+}
+
 }  // namespace
 
 void AppendValues(ByteWriter& bytes, const std::vector<const IPayload*>& payloads,
@@ -204,19 +213,26 @@ void AppendValues(ByteWriter& bytes, const std::vector<const IPayload*>& payload
     for (const IPayload* payload : payloads) AppendValue(bytes, *payload, nullptr, raw);
 }
 
+PayloadList::~PayloadList() {
+    for (const IPayload* payload : mPayloads) delete payload;
+}
+
+void PayloadList::Add(std::unique_ptr<IPayload> payload) {
+    mPayloads.push_back(payload.get());
+    static_cast<void>(payload.release());
+}
+
 PayloadList ReadValues(ByteReader& bytes) {
-    PayloadList payloads(bytes.Count(2));
-    ValueReader reader(bytes);
-    for (std::unique_ptr<IPayload>& payload : payloads) payload = reader.Read(nullptr, nullptr);
+    PayloadList payloads;
+    ReadAll(bytes, nullptr, payloads);
     return payloads;
 }
 
 PayloadList ReadValues(ByteReader& bytes, const IMetadata& metadata) {
-    PayloadList payloads(bytes.Count(2));
-    ValueReader reader(bytes);
-    for (std::unique_ptr<IPayload>& payload : payloads) payload = reader.Read(&metadata, nullptr);
+    PayloadList payloads;
+    const bool raw = ReadAll(bytes, &metadata, payloads);
     // A key may be there without a value.
-    if (!reader.MetRaw() && !payloads.empty()) CheckCount(payloads.size(), metadata);
+    if (!raw && !payloads.Get().empty()) CheckCount(payloads.Get().size(), metadata);
     return payloads;
 }
 

@@ -52,8 +52,10 @@ void CPackintWriter::Save(std::vector<EncodedPlace> places, CKesContext& context
         throw Refusal(STR_OPERATION_INVALID, mFolder + ": chunk files are written to a folder");
     const fs::path folder(mFolder);
     std::error_code failed;
-    if (!fs::is_directory(folder, failed) && !fs::create_directory(folder, failed))
-        Fail(STR_FILE_OPEN_ERR, folder, failed ? failed : std::make_error_code(std::errc::not_a_directory));
+    if (!fs::exists(folder, failed) && !fs::create_directory(folder, failed))
+        Fail(STR_FILE_OPEN_ERR, folder, failed);
+    if (!fs::is_directory(folder, failed))
+        Fail(STR_FILE_OPEN_ERR, folder, std::make_error_code(std::errc::not_a_directory));
 
     FileReplacement files;
     std::set<std::string> written;
