@@ -5,6 +5,7 @@
 #include "plugins/binary/Bytes.h"
 #include "support/DeviceSession.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -94,6 +95,10 @@ __attribute__((noinline)) void* operator new(std::size_t size) {
     void* memory = std::malloc(size);
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
+}
+__attribute__((noinline)) void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    largestAllocation = std::max(largestAllocation, size);
+    return std::malloc(size);
 }
 __attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
 __attribute__((noinline)) void operator delete(void* memory, std::size_t /*size*/) noexcept {
@@ -276,6 +281,27 @@ TEST_F(DeviceImageFaults, AnEepromThatIsMadeAppearsWholeOrNotAtAll) {
     }
     EXPECT_GE(good, 1U);
     EXPECT_EQ(written, KesTest::ReadFile(path));
+}
+
+TEST_F(DeviceImageFaults, AnImageThatIsMadeAnewNeverShowsAMixture) {
+    const Case which = Cases().front();
+    const std::string path = Prepared(which);
+    const std::string keys = Read(which.family, path);
+    std::string written = KesTest::ReadFile(path);
+    calls = {true, -1, 0, 0, {}};
+    Image(which.family, which.size);
+    calls.watching = false;
+    bool isGone = false;
+    for (const Step& step : std::vector<Step>(calls.steps)) {
+        for (std::size_t size = 0; size <= step.bytes.size() && !step.IsSync(); ++size) {
+            const std::string outcome = ReadBytes(which.family, Applied(written, step, size));
+            isGone = isGone || outcome != keys;
+            EXPECT_TRUE(isGone || outcome == keys);
+            EXPECT_TRUE(!isGone || outcome.empty() || outcome.starts_with("0 error")) << outcome;
+        }
+        written = Applied(written, step, step.bytes.size());
+    }
+    EXPECT_EQ(ReadBytes(which.family, written), "");
 }
 
 /// An image of which some bytes have been changed, with all its checksums set right again.

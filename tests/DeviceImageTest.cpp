@@ -1,12 +1,19 @@
 // Devices as images: what is saved, kept, refused and found again, through the host API and the real
 // plug-ins.
 
+#include "model/CKesContext.h"
+#include "model/CReaderWriterFactory.h"
+#include "model/CStoreInfo.h"
+#include "model/IStoreManager.h"
 #include "support/DeviceSession.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -275,6 +282,54 @@ TEST_F(DeviceImages, StoresAreMadeOnceWhereTheyHaveRoom) {
     std::uint32_t application = 0;
     for (const auto& store : info.stores) application += store.applicationId;
     EXPECT_EQ(application, 4U * 12U);
+}
+
+TEST_F(DeviceImages, AStoreManagerSeesWhatTheDeviceHasNow) {
+    namespace kes = VemoKesConfigTools;
+    const std::string path = Image(ImageFamily::Kld, 16 * KIB);
+    const std::unique_ptr<kes::IStoreManager> manager(
+        kes::CReaderWriterFactory::Ref().CreateStoreManager("KLD770xDevice", path, nullptr));
+    kes::CKesContext context;
+    EXPECT_TRUE(manager->GetStoresInfo(context).empty());
+    kes::CStoreInfo store(kes::IStoreManager::DEVICE_MTP, 3, 64, -1, 5, 0, false);
+    manager->CreateStore(store, context);
+    EXPECT_EQ(LastError(), "none");
+    manager->RefreshStoreInfo(store, context);
+    EXPECT_EQ(store.StoreSizeFree(), 48);
+    ASSERT_EQ(manager->GetStoresInfo(context).size(), 1U);
+    EXPECT_EQ(manager->GetStoresInfo(context).front()->LinkedStoreId(), 5);
+    std::filesystem::remove(path);
+    EXPECT_TRUE(manager->GetStoresInfo(context).empty());
+    EXPECT_EQ(LastError(), "0 unable to open the file: " + path + ": No such file or directory");
+}
+
+TEST_F(DeviceImages, TheDocumentShowsARealOne) {
+    const std::string path = mFolder / "device.img";
+    ASSERT_TRUE(Holding("file=bt1\nmax_acl_links = 3\n")->SaveToDeviceKesEeprom(path, 9, 0)) << LastError();
+    ASSERT_TRUE(Holding("file=bt1\nmax_acl_links = 4\n")->SaveToDeviceKesEeprom(path, 0, 0)) << LastError();
+    const std::string bytes = KesTest::ReadFile(path);
+    std::string rows;
+    for (std::size_t at = 0; at < bytes.size(); at += 16) {
+        const std::string row = bytes.substr(at, 16);
+        if (row == std::string(16, '\0') || row == std::string(16, '\xFF')) continue;
+        char text[24];
+        std::snprintf(text, sizeof text, "%03zx ", at);
+        rows += text;
+        for (const char byte : row) {
+            std::snprintf(text, sizeof text, " %02x", static_cast<unsigned char>(byte));
+            rows += text;
+        }
+        rows += "\n";
+    }
+    std::string documented;
+    std::istringstream document(
+        KesTest::ReadFile(std::string(KES_TEST_SOURCE_DIR) + "/docs/device-image.md"));
+    for (std::string line; std::getline(document, line);) {
+        constexpr std::size_t ROW = 3 + 1 + 16 * 3;
+        if (std::regex_search(line, std::regex("^[0-9a-f]{3}  [0-9a-f]{2} ")))
+            documented += line.substr(0, ROW) + "\n";
+    }
+    EXPECT_EQ(documented, rows);
 }
 
 TEST_F(DeviceImages, StoreSetsAreReadOneByOneAndReplacedOneByOne) {
