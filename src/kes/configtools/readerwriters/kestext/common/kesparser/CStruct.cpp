@@ -79,8 +79,7 @@ CParserError CStruct::ParseField(const CStructField& field, CParseContext* conte
     } else if (auto* array = dynamic_cast<CArray*>(value.get())) {
         result = array->Parse(metadata, context);
     } else if (auto* integer = dynamic_cast<CIntegerBase*>(value.get())) {
-        result =
-            isBitField ? ParseBitField(*integer, field) : ParseIntegerField(*integer, metadata);
+        result = isBitField ? ParseBitField(*integer, field) : ParseIntegerField(*integer, metadata);
     } else {
         result = value->Parse();
     }
