@@ -125,15 +125,17 @@ protected:
         std::uint32_t size;
         std::string first;
         std::string second;
+        std::string third;  ///< can follow the first one
     };
     std::vector<Case> Cases() const {
         return {{"eeprom", ImageFamily::Eeprom, EEPROM_SIZE, Keys("eeprom", "max_acl_links=1"),
-                 Keys("eeprom", "max_acl_links=2\nhci_trace_mask=7")},
+                 Keys("eeprom", "max_acl_links=2\nhci_trace_mask=7"), Keys("eeprom", "max_acl_links=3")},
                 {"kld", ImageFamily::Kld, KLD_SIZE,
                  Keys("otp", "hci_trace_mask=1") + Keys("smem", "max_acl_links=1") +
                      Keys("eeprom", "max_acl_links=1"),
                  Keys("otp", "hci_trace_mask=3") + Keys("smem", "max_acl_links=2") +
-                     Keys("mtp", "max_acl_links=2")}};
+                     Keys("mtp", "max_acl_links=2"),
+                 Keys("otp", "hci_trace_mask=5") + Keys("smem", "max_acl_links=3")}};
     }
     /// A device that holds the first text.
     std::string Prepared(const Case& which) {
@@ -197,6 +199,7 @@ TEST_F(DeviceImageFaults, ASaveThatIsCutAtAnyByteIsOldOrNew) {
     constexpr std::size_t STEP = 7;
     for (const Case& which : Cases()) {
         const auto facade = Holding(which.second);
+        const auto next = Holding(which.third);
         const std::string path = Prepared(which);
         const std::string before = KesTest::ReadFile(path);
         const std::string oldKeys = Read(which.family, path);
@@ -220,8 +223,8 @@ TEST_F(DeviceImageFaults, ASaveThatIsCutAtAnyByteIsOldOrNew) {
                     if (keys == newKeys) ++news;
                     if (size % STEP == 0) {
                         const std::string copy = mFolder / "copy.img";
-                        EXPECT_TRUE(Save(*facade, which.family, copy)) << LastError();
-                        EXPECT_EQ(Read(which.family, copy), newKeys) << "the next save, from " << step.offset;
+                        EXPECT_TRUE(Save(*next, which.family, copy)) << LastError();
+                        EXPECT_EQ(Read(which.family, copy), Dump(*next)) << "behind a cut at " << step.offset;
                     }
                 }
             }
