@@ -1,0 +1,42 @@
+#include "plugins/image/ImageCreation.h"
+
+#include "model/Words.h"
+#include "plugins/binary/Refusal.h"
+#include "plugins/image/Connection.h"
+#include "plugins/image/ImageLayout.h"
+#include "plugins/image/ImageSite.h"
+
+namespace VemoKesConfigTools {
+
+std::string_view NameOf(ImageFamily family) {
+    switch (family) {
+        case ImageFamily::Eeprom:
+            return "eeprom";
+        case ImageFamily::Isp:
+            return "isp";
+        case ImageFamily::Kld:
+            return "kld";
+    }
+    return "unknown";
+}
+
+void CreateImage(const std::string& connection, const ImageGeometry& geometry, bool force) {
+    const std::string path = PathOfConnection(connection);
+    const std::string bytes = RenderImage(LayOut(geometry), {});
+    const ImageSite site = LookAtSite(path);
+    if (!force && site.state == SiteState::Image)
+        throw Refusal(STR_OPERATION_INVALID, "there is a device image already");
+    if (!force && site.state == SiteState::Other)
+        throw Refusal(STR_OPERATION_INVALID, "there is a file already, which is neither blank nor an image");
+    if (!force && site.state == SiteState::Blank && site.size != geometry.size) {
+        throw Refusal(STR_OPERATION_INVALID, "there is a blank file of " + std::to_string(site.size) +
+                                                 " bytes, not of " + std::to_string(geometry.size));
+    }
+    PutImage(path, site, bytes);
+}
+
+std::string TextOf(const Refusal& refusal, const std::string& connection) {
+    return std::string(refusal.Text()) + ": " + connection + ": " + refusal.what();
+}
+
+}  // namespace VemoKesConfigTools

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "plugins/image/CImageReader.h"
+
+#include <string>
+#include <utility>
+
+namespace VemoKesConfigTools {
+
+/// Reads the store sets of a device. `STR_STORESET_FILTER` chooses one by its device number: 15 is all that
+/// is in no other set; no value, -1 and 7 are everything.
+class CIspReader final : public CImageReader {
+public:
+    explicit CIspReader(std::string connection) : CImageReader(std::move(connection), ImageFamily::Isp) {}
+
+protected:
+    PlaceFilter FilterOf(const CKesContext& context) const override;
+};
+
+}  // namespace VemoKesConfigTools

@@ -1,0 +1,20 @@
+#include "plugins/kesisp/CIspWriter.h"
+
+#include "model/CKesContext.h"
+#include "model/Words.h"
+#include "plugins/image/Connection.h"
+#include "plugins/image/ImageSave.h"
+#include "plugins/image/SystemCheck.h"
+
+namespace VemoKesConfigTools {
+
+void CIspWriter::Save(std::vector<EncodedPlace> places, CKesContext& context, std::string& subject) {
+    subject = mConnection;
+    DeviceImage image(PathOfConnection(mConnection), ImageFile::Access::Writing, ImageFamily::Isp);
+    ExpectChip(image.Header(), Provider(), context);
+    ExpectSystem(image.Directory(), context);
+    const bool reset = context.TagMatches(STR_RESET_DEVICE_AFTER, STR_TRUE);
+    SavePlaces(image, places, {SaveKeeps::OtherStores, reset, context.Chip()});
+}
+
+}  // namespace VemoKesConfigTools

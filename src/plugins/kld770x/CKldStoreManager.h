@@ -1,0 +1,30 @@
+#pragma once
+
+#include "model/CStoreInfo.h"
+#include "model/IStoreManager.h"
+
+#include <list>
+#include <string>
+#include <utility>
+
+namespace VemoKesConfigTools {
+
+/// Makes and lists the stores of a device. The device is looked at anew in each operation.
+class CKldStoreManager final : public IStoreManager {
+public:
+    explicit CKldStoreManager(std::string connection) : mConnection(std::move(connection)) {}
+    CKldStoreManager(const CKldStoreManager&) = delete;
+    CKldStoreManager& operator=(const CKldStoreManager&) = delete;
+    ~CKldStoreManager() override { ClearStoreList(mStores); }
+
+    void CreateStore(CStoreInfo& store, IConfigContext& context) override;
+    /// Sets the store to what the device has under its device and number.
+    void RefreshStoreInfo(CStoreInfo& store, IConfigContext& context) override;
+    const std::list<CStoreInfo*>& GetStoresInfo(IConfigContext& context) override;
+
+private:
+    std::string mConnection;
+    std::list<CStoreInfo*> mStores;
+};
+
+}  // namespace VemoKesConfigTools
