@@ -5,8 +5,8 @@
 #include "model/CReaderWriterFactory.h"
 #include "model/IConfigReader.h"
 #include "model/IMetadataProvider.h"
+#include "support/DeviceSession.h"
 #include "support/Dump.h"
-#include "support/HostSession.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -71,17 +71,26 @@ using Keys = std::vector<std::string>;
 /// The keys of each place, which is shown as `SUBSYSTEM/DEVICE/STORE#ORDER`.
 using Places = std::map<std::string, Keys>;
 
-void AddDecoded(const Json& place, Places& places) {
-    const Json order = place["store_position"].is_null() ? Json(0) : place["store_position"];
-    Keys& keys = places[place["subsystem"].dump() + "/" + place["device"].dump() + "/" +
-                        place["store"].dump() + "#" + order.dump()];
-    for (const Json& key : place["keys"]) {
-        std::string text = key["psid"].dump();
-        for (const Json& index : key["indexes"]) text += "." + index.dump();
-        text += "=";
-        for (const Json& value : key["values"]) text += " " + ShowValue(value);
-        keys.push_back(text);
+void AddDecoded(const Json& holder, Places& places) {
+    for (const Json& place : holder["places"]) {
+        const Json order = place["store_position"].is_null() ? Json(0) : place["store_position"];
+        Keys& keys = places[place["subsystem"].dump() + "/" + place["device"].dump() + "/" +
+                            place["store"].dump() + "#" + order.dump()];
+        for (const Json& key : place["keys"]) {
+            std::string text = key["psid"].dump();
+            for (const Json& index : key["indexes"]) text += "." + index.dump();
+            text += "=";
+            for (const Json& value : key["values"]) text += " " + ShowValue(value);
+            keys.push_back(text);
+        }
     }
+}
+
+Places ShowDecoded(const Json& document) {
+    Places places;
+    if (document.contains("places")) AddDecoded(document, places);
+    for (const Json& store : document.value("stores", Json::array())) AddDecoded(store, places);
+    return places;
 }
 
 Places ShowModel(const CChipConfig& config) {
@@ -99,71 +108,100 @@ Places ShowModel(const CChipConfig& config) {
     return places;
 }
 
-class BinaryFormat : public HostSession {
+std::string SystemOf(const std::string& text) {
+    const std::string content = KesTest::ReadFile(text);
+    std::smatch match;
+    std::regex_search(content, match, std::regex("version=(\\w+)"));
+    return match.str(1);
+}
+
+/// The model that the text reader makes of a text.
+Places ModelOf(const std::string& text) {
+    std::ifstream stream(text);
+    const std::unique_ptr<IMetadataProvider> provider(
+        CMetadataProviderFactory::Ref().Create("sqlite", EXAMPLE_DATABASE));
+    const std::unique_ptr<IConfigReader> reader(
+        CReaderWriterFactory::Ref().CreateReader("KesText", {}, &stream));
+    CChipConfig config;
+    reader->SetMetadataProvider(provider.get());
+    reader->SetObserver(&config);
+    CKesContext context;
+    context.SetChip(SystemOf(text));
+    context.SetTag(STR_INSERT_MODE, STR_OVERWRITE);
+    EXPECT_TRUE(reader->Read(context)) << LastError();
+    return ShowModel(config);
+}
+
+class BinaryFormat : public DeviceSession {
 protected:
-    /// The chunk files of a text, through the front door.
-    std::vector<std::string> ChunksOf(const std::string& text) {
-        host::FrameworkFacade facade(EXAMPLE_DATABASE);
-        facade.OwningChip(ChipOf(SystemOf(text)));
-        EXPECT_TRUE(facade.LoadText(text, false)) << LastError();
-        const std::string folder = mFolder / fs::path(text).stem().string();
-        EXPECT_TRUE(facade.SaveBinary(folder)) << LastError();
+    static std::unique_ptr<host::FrameworkFacade> Loaded(const std::string& text) {
+        auto facade = Blank(SystemOf(text));
+        EXPECT_TRUE(facade->LoadText(text, false)) << LastError();
+        return facade;
+    }
+    std::vector<std::string> ChunksOf(host::FrameworkFacade& facade, const std::string& name) {
+        EXPECT_TRUE(facade.SaveBinary(mFolder / name)) << LastError();
         std::vector<std::string> files;
-        for (const auto& entry : fs::directory_iterator(folder)) files.push_back(entry.path());
+        for (const auto& entry : fs::directory_iterator(mFolder / name)) files.push_back(entry.path());
         return files;
-    }
-    static std::string SystemOf(const std::string& text) {
-        const std::string content = KesTest::ReadFile(text);
-        std::smatch match;
-        std::regex_search(content, match, std::regex("version=(\\w+)"));
-        return match.str(1);
-    }
-    /// The model that the text reader makes of a text.
-    static Places ModelOf(const std::string& text) {
-        std::ifstream stream(text);
-        const std::unique_ptr<IMetadataProvider> provider(
-            CMetadataProviderFactory::Ref().Create("sqlite", EXAMPLE_DATABASE));
-        const std::unique_ptr<IConfigReader> reader(
-            CReaderWriterFactory::Ref().CreateReader("KesText", {}, &stream));
-        CChipConfig config;
-        reader->SetMetadataProvider(provider.get());
-        reader->SetObserver(&config);
-        CKesContext context;
-        context.SetChip(SystemOf(text));
-        context.SetTag(STR_INSERT_MODE, STR_OVERWRITE);
-        EXPECT_TRUE(reader->Read(context)) << LastError();
-        return ShowModel(config);
     }
 };
 
 TEST_F(BinaryFormat, IsReadAlikeByAnotherDecoder) {
+    constexpr std::uint32_t ENOUGH = 64U << 10U;
+    constexpr ImageFamily FAMILIES[] = {ImageFamily::Eeprom, ImageFamily::Isp, ImageFamily::Kld};
     std::size_t texts = 0;
     for (const auto& entry : fs::directory_iterator(EXAMPLE_FOLDER)) {
         const std::string text = entry.path();
         if (entry.path().extension() != ".ktf" || text.ends_with("with-mistakes.ktf")) continue;
         ++texts;
-        Places decoded;
-        for (const Json& document : Decoded(ChunksOf(text))) {
-            EXPECT_EQ(document["system"], SystemOf(text));
-            for (const Json& place : document["places"]) AddDecoded(place, decoded);
+        const auto facade = Loaded(text);
+        std::vector<std::string> files = ChunksOf(*facade, entry.path().stem());
+        const std::size_t chunks = files.size();
+        for (const ImageFamily family : FAMILIES) {
+            files.push_back(
+                Image(family, ENOUGH, entry.path().stem().string() + std::string(NameOf(family))));
+            ASSERT_TRUE(Save(*facade, family, files.back())) << LastError();
         }
-        EXPECT_EQ(decoded, ModelOf(text)) << text;
+        Places wanted = ModelOf(text);
+        Places ofChunks;
+        const std::vector<Json> documents = Decoded(files);
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            EXPECT_EQ(documents[i]["system"], SystemOf(text)) << files[i];
+            Places places = ShowDecoded(documents[i]);
+            if (i >= chunks)
+                EXPECT_EQ(places, wanted) << files[i];
+            else
+                ofChunks.merge(places);
+        }
+        EXPECT_EQ(ofChunks, wanted) << text;
     }
     EXPECT_GE(texts, 6U);
 }
 
 /// Files of an earlier version stay readable: a change here is a new version of the format.
-TEST_F(BinaryFormat, OfChunkFilesStays) {
-    const std::vector<std::string> saved = ChunksOf(GOLDEN + "/one.ktf");
-    ASSERT_EQ(saved.size(), 1U);
-    EXPECT_EQ(KesTest::ReadFile(saved[0]), KesTest::ReadFile(GOLDEN + "/one.kcf"));
-    EXPECT_EQ(RunDecoder({GOLDEN + "/one.kcf"}).out, KesTest::ReadFile(GOLDEN + "/one.json"));
+TEST_F(BinaryFormat, OfFilesStays) {
+    const std::vector<std::string> chunks = ChunksOf(*Loaded(GOLDEN + "/one.ktf"), "chunks");
+    ASSERT_EQ(chunks.size(), 1U);
+    EXPECT_EQ(KesTest::ReadFile(chunks[0]), KesTest::ReadFile(GOLDEN + "/one.kcf"));
+
+    const std::string image = mFolder / "two.img";
+    ImageGeometry geometry{ImageFamily::Kld, CHIP_ID, {}, 2048, 7, {}};
+    VemoKesConfigTools::CreateImage(image, geometry, /*force=*/false);
+    auto facade = Blank();
+    ASSERT_TRUE(facade->CreateKeyStore(image, host::DEVICE_TYPE_SMEM, 3, 48, 5, true)) << LastError();
+    for (const std::string name : {"/two-first.ktf", "/two-second.ktf"})
+        ASSERT_TRUE(Loaded(GOLDEN + name)->SaveToDeviceOstrel(image, true)) << LastError();
+    EXPECT_TRUE(KesTest::ReadFile(image) == KesTest::ReadFile(GOLDEN + "/two.img"));
+
+    EXPECT_EQ(RunDecoder({GOLDEN + "/one.kcf", GOLDEN + "/two.img"}).out,
+              KesTest::ReadFile(GOLDEN + "/decoded.json"));
 }
 
 /// The example of the document is the real file, byte for byte.
 TEST_F(BinaryFormat, OfChunkFilesIsAsDocumented) {
-    const std::vector<std::string> saved =
-        ChunksOf(mFolder.Write("doc.ktf", "version=ostrell_520_2_3\nfile=bt1\nmax_acl_links = 3\n"));
+    const auto facade = Holding("version=ostrell_520_2_3\nfile=bt1\nmax_acl_links = 3\n");
+    const std::vector<std::string> saved = ChunksOf(*facade, "doc");
     ASSERT_EQ(saved.size(), 1U);
     const Outcome printed = RunShell(mFolder, "od -An -tx1 '" + saved[0] + "'");
     const std::string document = KesTest::ReadFile(KES_TEST_SOURCE_DIR "/docs/kcf.md");
@@ -172,14 +210,15 @@ TEST_F(BinaryFormat, OfChunkFilesIsAsDocumented) {
 
 /// A decoder that takes anything would prove nothing.
 TEST_F(BinaryFormat, IsCheckedByTheDecoder) {
-    const std::string good = KesTest::ReadFile(GOLDEN + "/one.kcf");
-    std::string flipped = good;
-    flipped[good.size() / 2] ^= 1;
-    std::vector<std::string> files;
-    for (const std::string& bad :
-         {flipped, good + "x", good.substr(0, good.size() - 1), good.substr(0, 11), std::string()})
-        files.push_back(mFolder.Write("bad" + std::to_string(files.size()), bad));
-    files.push_back(mFolder / "missing");
+    std::vector<std::string> files = {mFolder / "missing", mFolder.Write("empty", "")};
+    for (const std::string name : {"/one.kcf", "/two.img"}) {
+        const std::string good = KesTest::ReadFile(GOLDEN + name);
+        std::string flipped = good;
+        flipped[170] ^= 1;
+        for (const std::string& bad :
+             {flipped, good + "x", good.substr(0, good.size() - 1), good.substr(0, 11)})
+            files.push_back(mFolder.Write("bad" + std::to_string(files.size()), bad));
+    }
     const Outcome outcome = RunDecoder(files);
     EXPECT_EQ(outcome.code, 1);
     EXPECT_EQ(outcome.out, "");
