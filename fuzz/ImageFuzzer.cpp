@@ -65,7 +65,8 @@ void Check(const std::string& bytes) {
     ReadImageInfo(path);
 
     if (!Save(*config, path)) {
-        if (KesTest::ReadFile(path) != bytes) Fault("a refused save has changed the image", Dump(*config), {});
+        if (KesTest::ReadFile(path) != bytes)
+            Fault("a refused save has changed the image", Dump(*config), {});
         return;
     }
     const auto saved = Read(path, family);

@@ -101,7 +101,10 @@ TEST(Check, SaysPlainlyWhyItCannotWork) {
         int code;
         std::string message;
     } rows[] = {
-        {{"check", folder.Path()}, 3, folder.Path() + ": error: is a directory"},
+        {{"check", folder.Path()},
+         1,
+         folder.Path() + ": error: Folder does not contain readable *.kcf files. No config data found."},
+        {{"check", "text:" + folder.Path()}, 3, folder.Path() + ": error: is a directory"},
         {{"check", folder.Write("empty", "")},
          1,
          "error: The text file is zero length. No config data found."},
@@ -116,7 +119,7 @@ TEST(Check, SaysPlainlyWhyItCannotWork) {
         {{"check", "--chip", "x", good},
          2,
          " has:\n  ostrell_520_2_3\n  ostrell_524_3_0\n  ostrell_310_1_7\n  ostrell_205_1_1\n"},
-        {{"check"}, 2, "kes: FILE is required\nsee kes check --help"},
+        {{"check"}, 2, "kes: CONFIG is required\nsee kes check --help"},
         {{"chek", good}, 2, "unknown command \"chek\", did you mean check?"},
         {{}, 2, "see kes --help"},
         {{"keys", "--subsystem", "bluetoth"}, 2, "ostrell_520_2_3 has no subsystem \"bluetoth\""},

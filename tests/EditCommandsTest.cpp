@@ -177,7 +177,9 @@ TEST(Edit, SaysWhatFilesDoNotAllow) {
     Check({
         {"kes set none max_acl_links 4", LINKS, SAME, 3,
          "kes: none: there is no such file; --create begins a new text"},
-        {"kes set . max_acl_links 4", LINKS, SAME, 3, "kes: .: is a directory"},
+        {"kes set . max_acl_links 4", LINKS, SAME, 3,
+         ".: error: Folder does not contain readable *.kcf files"},
+        {"kes set text:. max_acl_links 4", LINKS, SAME, 3, "kes: text:.: is a directory"},
         {"kes set f max_acl_links 4 -o .", LINKS, SAME, 3, "kes: .: is a directory"},
         {"kes set f max_acl_links 4 -o none/g", LINKS, SAME, 3,
          "none/g: cannot be written: No such file or directory"},

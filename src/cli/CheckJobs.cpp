@@ -1,7 +1,7 @@
 #include "cli/CheckJobs.h"
 
+#include "cli/ConfigLoader.h"
 #include "cli/Platform.h"
-#include "cli/TextLoader.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -18,14 +18,14 @@ namespace {
 
 using Progress = std::function<void(std::uint64_t)>;
 
-TextReport CheckText(TextLoader& loader, const std::string& name, bool summary, Progress progress) {
+ConfigReport CheckConfig(ConfigLoader& loader, const ConfigSource& source, bool summary, Progress progress) {
     try {
-        const TextFile file(name);
-        TextReport report = loader.Read(file, std::move(progress));
+        const ConfigInput input(source);
+        ConfigReport report = loader.Read(input, std::move(progress));
         if (summary) report.summary = loader.Summary();
         return report;
     } catch (const Failure& failure) {
-        return FailureReport(name, failure.what());
+        return FailureReport(source.word, failure.what());
     }
 }
 
@@ -39,11 +39,11 @@ std::string Packed(const Json& json) {
 /// What a child does: it starts the library and answers each file with its report, until there are no more.
 void Serve(const Channel& channel, const Globals& globals, const CheckWork& work) {
     try {
-        TextLoader loader(globals);
+        ConfigLoader loader(globals);
         const auto progress = [&](std::uint64_t bytes) { channel.Send(Packed({{"progress", bytes}})); };
         for (std::string request; channel.Receive(request);) {
-            const std::string& name = work.files[Json::from_cbor(request).get<std::size_t>()];
-            const TextReport report = CheckText(loader, name, work.summaries, progress);
+            const ConfigSource& source = work.sources[Json::from_cbor(request).get<std::size_t>()];
+            const ConfigReport report = CheckConfig(loader, source, work.summaries, progress);
             if (!channel.Send(Packed({{"report", ToJson(report)}}))) return;
         }
     } catch (const Failure& failure) {
@@ -56,7 +56,7 @@ void Serve(const Channel& channel, const Globals& globals, const CheckWork& work
 /// Hands the files out to children, one at a time to each, and puts the reports in order.
 class Pool {
 public:
-    Pool(const Globals& globals, const CheckWork& work, const std::function<void(const TextReport&)>& take,
+    Pool(const Globals& globals, const CheckWork& work, const std::function<void(const ConfigReport&)>& take,
          ProgressBar& bar)
         : mGlobals(globals), mWork(work), mTake(take), mBar(bar) {}
     Pool(const Pool&) = delete;
@@ -66,7 +66,7 @@ public:
     }
 
     void Run() {
-        while (mWorkers.size() < mWork.jobs && mNextFile < mWork.files.size() && Start()) {
+        while (mWorkers.size() < mWork.jobs && mNextFile < mWork.sources.size() && Start()) {
         }
         while (!mWorkers.empty()) Answer(WaitForWorker(mWorkers));
     }
@@ -100,8 +100,8 @@ private:
         std::string bytes;
         if (!mWorkers[number].channel.Receive(bytes)) {
             const std::size_t file = task.file;
-            Take(file, FailureReport(mWork.files[file], "the process that checked it " + End(number)));
-            if (mNextFile < mWork.files.size()) Start();
+            Take(file, FailureReport(mWork.sources[file].word, "the process that checked it " + End(number)));
+            if (mNextFile < mWork.sources.size()) Start();
             return;
         }
         const Json answer = Json::from_cbor(bytes);
@@ -114,7 +114,7 @@ private:
             throw Failure(static_cast<ExitCode>(answer.at("exit").get<int>()), *failure);
         }
         Take(task.file, ReportFromJson(answer.at("report")));
-        if (mNextFile == mWork.files.size()) {
+        if (mNextFile == mWork.sources.size()) {
             End(number);
             return;
         }
@@ -122,8 +122,8 @@ private:
         mWorkers[number].channel.Send(Packed(task.file));
     }
 
-    void Take(std::size_t file, TextReport report) {
-        mDone += TextFile::SizeOf(mWork.files[file]);
+    void Take(std::size_t file, ConfigReport report) {
+        mDone += ConfigInput::SizeOf(mWork.sources[file]);
         mReports.emplace(file, std::move(report));
         for (auto first = mReports.begin(); first != mReports.end() && first->first == mNextReport;
              first = mReports.erase(first)) {
@@ -140,29 +140,30 @@ private:
 
     const Globals& mGlobals;
     const CheckWork& mWork;
-    const std::function<void(const TextReport&)>& mTake;
+    const std::function<void(const ConfigReport&)>& mTake;
     ProgressBar& mBar;
     std::vector<Worker> mWorkers;
     std::vector<Task> mTasks;  ///< of the workers, in their order
     std::size_t mNextFile = 0;
     std::size_t mNextReport = 0;
-    std::map<std::size_t, TextReport> mReports;  ///< whose turn has not come
-    std::uint64_t mDone = 0;                     ///< bytes of the texts that are done
+    std::map<std::size_t, ConfigReport> mReports;  ///< whose turn has not come
+    std::uint64_t mDone = 0;                       ///< bytes of the texts that are done
 };
 
 }  // namespace
 
-void CheckTexts(const Globals& globals, const CheckWork& work,
-                const std::function<void(const TextReport&)>& take, ProgressBar& bar) {
-    if (work.jobs > 1 && work.files.size() > 1) {
+void CheckConfigs(const Globals& globals, const CheckWork& work,
+                  const std::function<void(const ConfigReport&)>& take, ProgressBar& bar) {
+    if (work.jobs > 1 && work.sources.size() > 1) {
         Pool(globals, work, take, bar).Run();
         return;
     }
-    TextLoader loader(globals);
+    ConfigLoader loader(globals);
     std::uint64_t done = 0;
-    for (const std::string& name : work.files) {
-        take(CheckText(loader, name, work.summaries, [&](std::uint64_t bytes) { bar.Show(done + bytes); }));
-        done += TextFile::SizeOf(name);
+    for (const ConfigSource& source : work.sources) {
+        take(CheckConfig(loader, source, work.summaries,
+                         [&](std::uint64_t bytes) { bar.Show(done + bytes); }));
+        done += ConfigInput::SizeOf(source);
         bar.Show(done);
     }
 }

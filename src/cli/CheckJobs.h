@@ -1,8 +1,9 @@
 #pragma once
 
+#include "cli/ConfigReport.h"
+#include "cli/ConfigSource.h"
 #include "cli/Globals.h"
 #include "cli/ProgressBar.h"
-#include "cli/TextReport.h"
 
 #include <cstddef>
 #include <functional>
@@ -11,17 +12,17 @@
 
 namespace kes::cli {
 
-/// Which texts are to be checked, and how.
+/// Which configurations are to be checked, and how.
 struct CheckWork {
-    std::vector<std::string> files;
+    std::vector<ConfigSource> sources;
     bool summaries = false;
     std::size_t jobs = 1;  ///< in how many processes
 };
 
-/// Checks all texts and gives their reports in the order of the files, each as soon as its turn has come. The
-/// library reads one text at a time, so that several take a process each. The bar covers the bytes of all.
+/// Checks all configurations and gives their reports in their order, each as soon as its turn has come. The
+/// library reads one at a time, so that several take a process each. The bar covers the bytes of all texts.
 /// Throws `Failure` when nothing can be checked at all.
-void CheckTexts(const Globals& globals, const CheckWork& work,
-                const std::function<void(const TextReport&)>& take, ProgressBar& bar);
+void CheckConfigs(const Globals& globals, const CheckWork& work,
+                  const std::function<void(const ConfigReport&)>& take, ProgressBar& bar);
 
 }  // namespace kes::cli

@@ -1,4 +1,6 @@
 #include "cli/CheckJobs.h"
+#include "cli/ConfigInput.h"
+#include "cli/ConfigReport.h"
 #include "cli/Diagnostics.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
@@ -6,8 +8,6 @@
 #include "cli/Json.h"
 #include "cli/Platform.h"
 #include "cli/Sarif.h"
-#include "cli/TextFile.h"
-#include "cli/TextReport.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -24,11 +24,12 @@ constexpr const char* FORMAT_JSON = "json";
 constexpr const char* FORMAT_SARIF = "sarif";
 
 struct CheckOptions {
+    std::vector<std::string> names;
     CheckWork work;
     std::string format = FORMAT_TEXT;
 };
 
-void PrintDocument(const std::vector<TextReport>& reports, const std::string& format, ExitCode exit) {
+void PrintDocument(const std::vector<ConfigReport>& reports, const std::string& format, ExitCode exit) {
     if (format == FORMAT_SARIF) {
         PrintJson(SarifLog(reports, exit));
         return;
@@ -36,26 +37,26 @@ void PrintDocument(const std::vector<TextReport>& reports, const std::string& fo
     Json document = JsonDocument("check");
     document["exit"] = static_cast<int>(exit);
     Json& results = document["results"] = Json::array();
-    for (const TextReport& report : reports) results.push_back(ToJson(report));
+    for (const ConfigReport& report : reports) results.push_back(ToJson(report));
     PrintJson(document);
 }
 
 int Run(const Globals& globals, const CheckOptions& options) {
-    const std::vector<std::string>& files = options.work.files;
-    if (std::ranges::count(files, "-") > 1) {
+    CheckWork work = options.work;
+    for (const std::string& name : options.names) work.sources.emplace_back(name);
+    if (std::ranges::count_if(work.sources, &ConfigSource::IsStandardInput) > 1) {
         throw Failure(EXIT_USAGE, "standard input (\"-\") can be read once only");
     }
     const std::string format = globals.json ? FORMAT_JSON : options.format;
-    CheckWork work = options.work;
     if (work.jobs == 0) work.jobs = ProcessorCount();
     std::uint64_t bytes = 0;
-    for (const std::string& name : files) bytes += TextFile::SizeOf(name);
+    for (const ConfigSource& source : work.sources) bytes += ConfigInput::SizeOf(source);
 
     const Diagnostics diagnostics(globals.noColor);
     ProgressBar bar(bytes);
-    std::vector<TextReport> reports;
+    std::vector<ConfigReport> reports;
     ExitCode worst = EXIT_FINE;
-    const auto take = [&](const TextReport& report) {
+    const auto take = [&](const ConfigReport& report) {
         worst = std::max(worst, report.exit);
         bar.Erase();
         if (format == FORMAT_TEXT) {
@@ -66,7 +67,7 @@ int Run(const Globals& globals, const CheckOptions& options) {
             reports.push_back(report);
         }
     };
-    CheckTexts(globals, work, take, bar);
+    CheckConfigs(globals, work, take, bar);
     bar.Erase();
     if (format != FORMAT_TEXT) PrintDocument(reports, format, worst);
     return worst;
@@ -75,9 +76,9 @@ int Run(const Globals& globals, const CheckOptions& options) {
 }  // namespace
 
 void AddCheck(CLI::App& app, Globals& globals) {
-    CLI::App* command = app.add_subcommand("check", "Check configuration texts against the metadata");
+    CLI::App* command = app.add_subcommand("check", "Check configurations against the metadata");
     const auto options = std::make_shared<CheckOptions>();
-    command->add_option("FILE", options->work.files, "Texts to check; \"-\" for standard input")->required();
+    command->add_option("CONFIG", options->names, CONFIG_HELP)->required();
     command->add_flag("-v,--verbose", options->work.summaries,
                       "Also say what was found: places, keys and stores");
     CLI::Option* format =
@@ -98,10 +99,13 @@ void AddCheck(CLI::App& app, Globals& globals) {
         ->option_text("N");
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
     AddExamples(*command, {{"kes check board.ktf", "No output and exit code 0 when the text is good"},
-                           {"kes check -v *.ktf", "Several texts, and what was found in them"}});
+                           {"kes check -v *.ktf", "Several texts, and what was found in them"},
+                           {"kes check chunks/ eeprom:board.img", "A folder of chunk files, and a device"}});
     command->footer(
-        "Each error is one line on standard error: FILE:LINE:COLUMN: error: TEXT\n"
-        "Exit code: 0 all texts are good, 1 errors were found, 2 wrong usage, 3 a file, database or "
+        "Each error is one line on standard error: FILE:LINE:COLUMN: error: TEXT, and without a place for "
+        "what is "
+        "no text.\n"
+        "Exit code: 0 all are good, 1 errors were found, 2 wrong usage, 3 a file, database or "
         "plug-in failed.");
     command->callback(
         [&globals, options] { globals.run = [&globals, options] { return Run(globals, *options); }; });

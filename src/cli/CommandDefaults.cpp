@@ -1,9 +1,9 @@
+#include "cli/ConfigLoader.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/KeyList.h"
 #include "cli/Table.h"
-#include "cli/TextLoader.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -27,7 +27,7 @@ bool IsAskedFor(const api::KeyValue& key, const KeyAddress& address) {
 }
 
 int Run(const Globals& globals, const DefaultsOptions& options) {
-    TextLoader loader(globals);
+    ConfigLoader loader(globals);
     Session& session = loader.Library();
     const std::shared_ptr<api::Chip> chip = session.FindChip(globals.chip);
     const PlaceFilter filter(session, *chip, {options.subsystem, {}, {}});

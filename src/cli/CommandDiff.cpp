@@ -1,8 +1,8 @@
+#include "cli/ConfigLoader.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/KeyList.h"
-#include "cli/TextLoader.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
@@ -95,20 +95,22 @@ void Print(const Difference& difference) {
 
 int Run(const Globals& globals, const DiffOptions& options) {
     if (options.files.size() != (options.defaults ? 1U : 2U)) {
-        throw Failure(EXIT_USAGE, options.defaults ? "--defaults takes one text"
-                                                   : "two texts are compared, or one with --defaults");
+        throw Failure(EXIT_USAGE, options.defaults
+                                      ? "--defaults takes one configuration"
+                                      : "two configurations are compared, or one with --defaults");
     }
-    if (!options.defaults && options.files.front() == "-" && options.files.back() == "-") {
+    if (!options.defaults && ConfigSource(options.files.front()).IsStandardInput() &&
+        ConfigSource(options.files.back()).IsStandardInput()) {
         throw Failure(EXIT_USAGE, "standard input can be given once");
     }
-    TextLoader loader(globals);
+    ConfigLoader loader(globals);
     std::vector<Values> values;
     Json document = JsonDocument("diff");
     document["files"] = options.files;
     Json& systems = document["systems"] = Json::array();
     for (const std::string& name : options.files) {
-        const TextFile file = OpenText(name);
-        if (const ExitCode loaded = loader.LoadWhatIsGood(file); loaded != EXIT_FINE) return loaded;
+        const ConfigInput input = OpenConfig(ConfigSource(name));
+        if (const ExitCode loaded = loader.LoadWhatIsGood(input); loaded != EXIT_FINE) return loaded;
         systems.push_back(Text(loader.Chip()->SystemVersionLabel()));
         const PlaceFilter filter(loader.Library(), *loader.Chip(), options.place);
         if (options.defaults) loader.LoadDefaults(filter.Subsystems());
@@ -131,20 +133,21 @@ int Run(const Globals& globals, const DiffOptions& options) {
 }  // namespace
 
 void AddDiff(CLI::App& app, Globals& globals) {
-    CLI::App* command = app.add_subcommand("diff", "Compare two texts key by key");
+    CLI::App* command = app.add_subcommand("diff", "Compare two configurations key by key");
     const auto options = std::make_shared<DiffOptions>();
-    command->add_option("FILE", options->files, "The texts; \"-\" for standard input")->required();
+    command->add_option("CONFIG", options->files, CONFIG_HELP)->required();
     command->add_flag("--defaults", options->defaults,
-                      "Compare one text with the default values of its keys");
+                      "Compare one configuration with the default values of its keys");
     AddPlaceOptions(*command, options->place);
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
     AddJsonOption(*command, globals);
     AddExamples(*command, {{"kes diff old.ktf new.ktf", "What is another key or value in new.ktf"},
+                           {"kes diff board.ktf eeprom:board.img", "What is different on a device"},
                            {"kes diff --defaults board.ktf", "What is not at its default"}});
     command->footer(
         "Keys are compared by place, number and indexes, and by value, whatever their order, layout and "
-        "comments. A line begins with \"~\" for another value, \"-\" for a key of the first text only, \"+\" "
-        "for one of the second only. Lines with errors are left out, with a warning for each.\n"
+        "comments. A line begins with \"~\" for another value, \"-\" for a key of the first only, \"+\" "
+        "for one of the second only. Lines of a text with errors are left out, with a warning for each.\n"
         "Exit code: 0 nothing differs, 1 something does.");
     command->callback(
         [&globals, options] { globals.run = [&globals, options] { return Run(globals, *options); }; });

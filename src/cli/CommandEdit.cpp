@@ -1,5 +1,6 @@
 // The commands set, add and unset.
 
+#include "cli/ConfigWriter.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
@@ -79,39 +80,39 @@ std::vector<Assignment> ParseKeys(const std::vector<std::string>& words) {
     return keys;
 }
 
-TextFile OpenOrBegin(const Globals& globals, const EditOptions& options, EditKind kind) {
+ConfigInput OpenOrBegin(const Globals& globals, const EditOptions& options, const ConfigSource& text,
+                        EditKind kind) {
     std::error_code failed;
-    const bool isThere = options.file == "-" || std::filesystem::exists(options.file, failed);
-    if (isThere || kind == EditKind::Unset) return OpenText(options.file);
+    const bool isThere = text.IsStandardInput() || std::filesystem::exists(text.target, failed);
+    if (isThere || kind == EditKind::Unset) return OpenConfig(text);
     if (!options.create) {
-        throw Failure(EXIT_SYSTEM, options.file + ": there is no such file; --create begins a new text");
+        throw Failure(EXIT_SYSTEM, text.target + ": there is no such file; --create begins a new text");
     }
     const Session session(globals);
     const std::string label = Text(session.FindChip(globals.chip)->SystemVersionLabel());
     if (globals.chip.empty() && session.Chips().size() > 1) {
         Diagnostics(globals.noColor)
-            .Report(options.file, "note",
+            .Report(text.target, "note",
                     "begun as a text of " + label +
                         ", the first of the database; choose another system with --chip");
     }
-    return {options.file, "version = " + label + "\n"};
+    return {text, "version = " + label + "\n"};
 }
 
-int Run(const Globals& globals, const EditOptions& options, EditKind kind) {
-    const std::vector<Assignment> assignments =
-        kind == EditKind::Unset ? ParseKeys(options.words) : ParseAssignments(options.words);
-    const TextFile file = OpenOrBegin(globals, options, kind);
-    const bool isNew = !std::filesystem::exists(options.file) && options.file != "-";
-    TextEditor editor(globals, file, options.place);
+int EditText(const Globals& globals, const EditOptions& options, const ConfigSource& text, EditKind kind,
+             const std::vector<Assignment>& assignments) {
+    const ConfigInput input = OpenOrBegin(globals, options, text, kind);
+    const bool isNew = !std::filesystem::exists(text.target) && !text.IsStandardInput();
+    TextEditor editor(globals, input, options.place);
     const std::optional<std::string> edited = editor.Edit(kind, assignments);
     if (!edited) return editor.Result();
 
-    const std::string target = options.output.empty() ? options.file : options.output;
+    const std::string target = options.output.empty() ? text.target : options.output;
     if (options.dryRun || target == "-") {
         const Scratch scratch(*edited);
         if (!editor.Proves(scratch.Path())) return editor.Result();
         const std::string before = isNew ? std::string() : editor.Before();
-        std::cout << (options.dryRun ? UnifiedDiff(file.Name(), file.Name() + " (changed)", before, *edited)
+        std::cout << (options.dryRun ? UnifiedDiff(input.Name(), input.Name() + " (changed)", before, *edited)
                                      : *edited);
         return EXIT_FINE;
     }
@@ -125,13 +126,46 @@ int Run(const Globals& globals, const EditOptions& options, EditKind kind) {
     if (!editor.Proves(output.TemporaryPath())) return editor.Result();
     if (options.output.empty() && !isNew) {
         if (*edited == editor.Before()) return EXIT_FINE;
-        if (ReadWhole(options.file) != editor.Before()) {
+        if (ReadWhole(text.target) != editor.Before()) {
             throw Failure(EXIT_SYSTEM,
-                          options.file + ": was changed by somebody else meanwhile; nothing was written");
+                          text.target + ": was changed by somebody else meanwhile; nothing was written");
         }
     }
     output.Commit();
     return EXIT_FINE;
+}
+
+/// Changes a folder of chunk files or a device, which is read and written whole.
+int EditWhole(const Globals& globals, const EditOptions& options, const ConfigSource& source, EditKind kind,
+              const std::vector<Assignment>& assignments) {
+    if (!options.output.empty())
+        throw Failure(EXIT_USAGE, "-o is for texts; \"kes convert\" makes a copy of " + source.word);
+    if (options.create) {
+        throw Failure(EXIT_USAGE,
+                      "--create begins texts; \"kes convert\" makes chunk files of one, and \"kes device "
+                      "create\" a device");
+    }
+    const ConfigInput input = OpenConfig(source);
+    ConfigLoader loader(globals);
+    if (const ExitCode loaded = loader.LoadWhatIsGood(input); loaded != EXIT_FINE) return loaded;
+    ConfigWriter writer(globals, loader);
+    const std::string before = writer.AsText();
+    ConfigEditor editor(globals, loader, input.Name());
+    if (!editor.Apply(kind, editor.FindTargets(kind, options.place, assignments), assignments))
+        return EXIT_FINDINGS;
+    const std::string after = writer.AsText();
+    if (options.dryRun) {
+        std::cout << UnifiedDiff(input.Name(), input.Name() + " (changed)", before, after);
+        return EXIT_FINE;
+    }
+    return before == after ? EXIT_FINE : writer.Save(source, {});
+}
+
+int Run(const Globals& globals, const EditOptions& options, EditKind kind) {
+    const std::vector<Assignment> assignments =
+        kind == EditKind::Unset ? ParseKeys(options.words) : ParseAssignments(options.words);
+    const ConfigSource source(options.file);
+    return (source.IsText() ? EditText : EditWhole)(globals, options, source, kind, assignments);
 }
 
 CLI::App* AddEditCommand(CLI::App& app, Globals& globals, EditKind kind, const char* name,
@@ -139,16 +173,18 @@ CLI::App* AddEditCommand(CLI::App& app, Globals& globals, EditKind kind, const c
     CLI::App* command = app.add_subcommand(name, description);
     const auto options = std::make_shared<EditOptions>();
     command
-        ->add_option("FILE", options->file,
-                     "The text; \"-\" for standard input, and the result on standard output")
+        ->add_option("CONFIG", options->file,
+                     std::string(CONFIG_HELP) + ". Of \"-\" the result goes to standard output")
         ->required();
     command->add_option("KEY", options->words, words)->required();
     AddPlaceOptions(*command, options->place);
     command->add_flag("-n,--dry-run", options->dryRun, "Write nothing; show what would change as a diff");
-    command->add_option("-o,--output", options->output, "Write the result there; \"-\" for standard output")
+    command
+        ->add_option("-o,--output", options->output,
+                     "Of a text: write the result there; \"-\" for standard output")
         ->type_name("FILE");
     if (kind != EditKind::Unset) {
-        command->add_flag("--create", options->create, "Begin a new text, for --chip, when there is no FILE");
+        command->add_flag("--create", options->create, "Begin a new text, for --chip, when there is none");
     }
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
     command->callback([&globals, options, kind] {
@@ -158,9 +194,10 @@ CLI::App* AddEditCommand(CLI::App& app, Globals& globals, EditKind kind, const c
 }
 
 constexpr const char* PROOF =
-    "Nothing else in the text changes, and all changes of one call are made or none. The result is read back "
+    "Nothing else in a text changes, and all changes of one call are made or none. The result is read back "
     "and compared before it takes the place of the text in one step. Errors elsewhere in the text do not "
-    "matter, as long as none comes with the change.\n";
+    "matter, as long as none comes with the change. A folder of chunk files or a device is read, changed, "
+    "written, and read back.\n";
 
 constexpr const char* PAIRS =
     "Names or numbers of keys, each with its value: KEY VALUE or KEY=VALUE. A value is what a text has "
@@ -169,12 +206,14 @@ constexpr const char* PAIRS =
 }  // namespace
 
 void AddSet(CLI::App& app, Globals& globals) {
-    CLI::App* command = AddEditCommand(app, globals, EditKind::Set, "set", "Set keys in a text", PAIRS);
+    CLI::App* command =
+        AddEditCommand(app, globals, EditKind::Set, "set", "Set keys in a configuration", PAIRS);
     AddExamples(*command,
                 {{"kes set board.ktf max_acl_links 3", "Set one key"},
                  {"kes set board.ktf local_name='\"Kitchen\"' tx_power_limit.0.1=68", "Set several, or none"},
                  {"kes set board.ktf channels_2g4 '{1, 6, 11}'", "Set an array"},
                  {"kes set board.ktf pa_type EXTERNAL_SINGLE -n", "See what would change"},
+                 {"kes set eeprom:board.img max_acl_links 3", "Set it on a device"},
                  {"kes set new.ktf --create --device smem --store 1 max_acl_links 3", "Begin a text"}});
     command->footer(
         std::string("A key that is there gets the new value; one that is not is added behind the last "
@@ -186,7 +225,7 @@ void AddSet(CLI::App& app, Globals& globals) {
 
 void AddAdd(CLI::App& app, Globals& globals) {
     CLI::App* command = AddEditCommand(app, globals, EditKind::Add, "add",
-                                       "Add keys to a text that are not there yet", PAIRS);
+                                       "Add keys to a configuration that are not there yet", PAIRS);
     AddExamples(*command, {{"kes add board.ktf pin_code '\"0000\"'", "Add a key, never replace one"}});
     command->footer(
         std::string(PROOF) +
@@ -195,8 +234,9 @@ void AddAdd(CLI::App& app, Globals& globals) {
 }
 
 void AddUnset(CLI::App& app, Globals& globals) {
-    CLI::App* command = AddEditCommand(app, globals, EditKind::Unset, "unset", "Take keys out of a text",
-                                       "Names or numbers of keys, with \".\" and a number for each index");
+    CLI::App* command =
+        AddEditCommand(app, globals, EditKind::Unset, "unset", "Take keys out of a configuration",
+                       "Names or numbers of keys, with \".\" and a number for each index");
     AddExamples(*command, {{"kes unset board.ktf pin_code", "Take a key out"}});
     command->footer(std::string("Every line that gives the key a value goes, with the comment behind it.\n") +
                     PROOF + "Exit code: 0 done, 1 the key is not there, 2 wrong usage, 3 the system failed.");

@@ -1,8 +1,8 @@
+#include "cli/ConfigLoader.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/KeyList.h"
-#include "cli/TextLoader.h"
 #include "kes/configtools/readerwriters/kestext/common/textindex/CTextIndex.h"
 
 #include <CLI/CLI.hpp>
@@ -23,14 +23,17 @@ struct GetOptions {
 class Getter {
 public:
     Getter(const Globals& globals, const GetOptions& options)
-        : mGlobals(globals), mOptions(options), mLoader(globals), mFile(OpenText(options.file)) {}
+        : mGlobals(globals),
+          mOptions(options),
+          mLoader(globals),
+          mInput(OpenConfig(ConfigSource(options.file))) {}
 
     int Run() {
-        if (const ExitCode loaded = mLoader.LoadWhatIsGood(mFile); loaded != EXIT_FINE) return loaded;
+        if (const ExitCode loaded = mLoader.LoadWhatIsGood(mInput); loaded != EXIT_FINE) return loaded;
         const PlaceFilter filter(mLoader.Library(), *mLoader.Chip(), mOptions.place);
         mLoader.LoadDefaults(filter.Subsystems());
         Json document = JsonDocument("get");
-        document["file"] = mFile.Name();
+        document["file"] = mInput.Name();
         document["system"] = Text(mLoader.Chip()->SystemVersionLabel());
         Json& results = document["results"] = Json::array();
         bool missing = false;
@@ -73,7 +76,7 @@ private:
             }
             if (record["default"].is_string())
                 text += "; its default is " + record["default"].get<std::string>();
-            mLoader.Messages().Report(mFile.Name(), record.contains("line") ? "note" : "error", text);
+            mLoader.Messages().Report(mInput.Name(), record.contains("line") ? "note" : "error", text);
             return;
         }
         if (mOptions.keys.size() > 1) std::cout << key << " = ";
@@ -95,7 +98,8 @@ private:
     std::uint32_t LineWithoutValue(const std::vector<KeyCandidate>& candidates, const PlaceFilter& filter,
                                    const KeyAddress& address) {
         using VemoKesConfigTools::TextLine;
-        const VemoKesConfigTools::CTextIndex index(ReadWhole(mFile.Path()), mGlobals.database,
+        if (mInput.Text() == nullptr) return 0;
+        const VemoKesConfigTools::CTextIndex index(ReadWhole(mInput.Text()->Path()), mGlobals.database,
                                                    Text(mLoader.Chip()->SystemVersionLabel()));
         std::uint32_t number = 0;
         for (const TextLine& line : index.Lines()) {
@@ -114,16 +118,16 @@ private:
 
     const Globals& mGlobals;
     const GetOptions& mOptions;
-    mutable TextLoader mLoader;
-    TextFile mFile;
+    mutable ConfigLoader mLoader;
+    ConfigInput mInput;
 };
 
 }  // namespace
 
 void AddGet(CLI::App& app, Globals& globals) {
-    CLI::App* command = app.add_subcommand("get", "Print the value of a key in a text");
+    CLI::App* command = app.add_subcommand("get", "Print the value of a key in a configuration");
     const auto options = std::make_shared<GetOptions>();
-    command->add_option("FILE", options->file, "The text; \"-\" for standard input")->required();
+    command->add_option("CONFIG", options->file, CONFIG_HELP)->required();
     command
         ->add_option("KEY", options->keys, "Names or numbers of keys, with \".\" and a number for each index")
         ->required();
@@ -131,6 +135,7 @@ void AddGet(CLI::App& app, Globals& globals) {
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
     AddJsonOption(*command, globals);
     AddExamples(*command, {{"kes get board.ktf max_acl_links", "Print a value"},
+                           {"kes get eeprom:board.img max_acl_links", "Print it as a device has it"},
                            {"kes get board.ktf tx_power_limit.0.1 --subsystem wlan", "An entry of a table"}});
     command->footer(
         "One key prints its value alone, several print KEY = VALUE. Lines with errors are left out, with a "

@@ -1,9 +1,9 @@
+#include "cli/ConfigLoader.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/KeyList.h"
 #include "cli/Table.h"
-#include "cli/TextLoader.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
@@ -26,10 +26,10 @@ std::vector<std::string> PlaceCells(const api::KeyValue& key) {
     return {place["subsystem"], place["device"], std::to_string(key.StoreId())};
 }
 
-/// A text that was loaded for a list of its keys.
+/// A configuration that was loaded for a list of its keys.
 struct Listed {
     Listed(const Globals& globals, const std::string& name, const PlaceOptions& place)
-        : loader(globals), file(OpenText(name)), result(loader.LoadWhatIsGood(file)) {
+        : loader(globals), input(OpenConfig(ConfigSource(name))), result(loader.LoadWhatIsGood(input)) {
         if (result != EXIT_FINE) return;
         const PlaceFilter filter(loader.Library(), *loader.Chip(), place);
         loader.LoadDefaults(filter.Subsystems());
@@ -37,14 +37,14 @@ struct Listed {
     }
     Json Document(const char* command) const {
         Json document = JsonDocument(command);
-        document["file"] = file.Name();
+        document["file"] = input.Name();
         document["system"] = Text(loader.Chip()->SystemVersionLabel());
         document["results"] = Json::array();
         return document;
     }
 
-    mutable TextLoader loader;
-    TextFile file;
+    mutable ConfigLoader loader;
+    ConfigInput input;
     ExitCode result;
     std::vector<std::shared_ptr<api::KeyValue>> values;
 };
@@ -108,10 +108,10 @@ int RunRaw(const Globals& globals, const ListOptions& options) {
     });
 }
 
-/// The options of a command that lists a text.
+/// The options of a command that lists a configuration.
 std::shared_ptr<ListOptions> AddListOptions(CLI::App& command, Globals& globals) {
     auto options = std::make_shared<ListOptions>();
-    command.add_option("FILE", options->file, "The text; \"-\" for standard input")->required();
+    command.add_option("CONFIG", options->file, CONFIG_HELP)->required();
     AddPlaceOptions(command, options->place);
     AddDatabaseOptions(command, globals, /*withChip=*/true);
     AddJsonOption(command, globals);
@@ -121,24 +121,25 @@ std::shared_ptr<ListOptions> AddListOptions(CLI::App& command, Globals& globals)
 }  // namespace
 
 void AddList(CLI::App& app, Globals& globals) {
-    CLI::App* command = app.add_subcommand("list", "List the keys of a text with values and states");
+    CLI::App* command = app.add_subcommand("list", "List the keys of a configuration with values and states");
     const auto options = AddListOptions(*command, globals);
     command->add_flag("--changed", options->changed,
                       "Only keys whose value is not their default, those without a default among them");
     AddExamples(*command, {{"kes list board.ktf", "All keys"},
                            {"kes list board.ktf --changed --subsystem bt", "What bt has of its own"}});
     command->footer(
-        "The state is default, changed, or no_default for a key that has none. Lines with errors are left "
-        "out, with a warning for each.");
+        "The state is default, changed, or no_default for a key that has none. Lines of a text with "
+        "errors are left out, with a warning for each.");
     command->callback(
         [&globals, options] { globals.run = [&globals, options] { return RunList(globals, *options); }; });
 }
 
 void AddRaw(CLI::App& app, Globals& globals) {
-    CLI::App* command = app.add_subcommand("raw", "List the keys of a text that the metadata does not know");
+    CLI::App* command =
+        app.add_subcommand("raw", "List the keys of a configuration that the metadata does not know");
     const auto options = AddListOptions(*command, globals);
     command->footer(
-        "Such keys have a number and a raw value. Lines with errors are left out, with a warning.");
+        "Such keys have a number and a raw value. Lines of a text with errors are left out, with a warning.");
     command->callback(
         [&globals, options] { globals.run = [&globals, options] { return RunRaw(globals, *options); }; });
 }

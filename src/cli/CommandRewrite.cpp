@@ -1,11 +1,10 @@
 #include "cli/Comments.h"
+#include "cli/ConfigWriter.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/OutputFile.h"
-#include "cli/TextLoader.h"
 #include "cli/UnifiedDiff.h"
-#include "facade/Framework.h"
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
@@ -31,10 +30,16 @@ struct RewriteOptions {
 class Rewriter {
 public:
     Rewriter(const Globals& globals, const RewriteOptions& options)
-        : mGlobals(globals), mOptions(options), mLoader(globals), mFile(OpenText(options.file)) {}
+        : mGlobals(globals),
+          mOptions(options),
+          mLoader(globals),
+          mInput(OpenConfig(ConfigSource(options.file))) {
+        if (mInput.Text() != nullptr) return;
+        throw Failure(EXIT_USAGE, options.file + " is no text; \"kes convert\" makes one of it");
+    }
 
     int Run() {
-        if (const ExitCode loaded = mLoader.Load(mFile); loaded != EXIT_FINE) return loaded;
+        if (const ExitCode loaded = mLoader.Load(mInput); loaded != EXIT_FINE) return loaded;
         if (mOptions.inPlace) return InPlace();
         const std::string scratch = (std::filesystem::temp_directory_path() / "kes-rewrite").string();
         OutputFile output(!mOptions.output.empty() && mOptions.output != "-" ? mOptions.output : scratch);
@@ -50,14 +55,14 @@ public:
 
 private:
     int InPlace() {
-        OutputFile output(mFile.Path());
+        OutputFile output(mInput.Text()->Path());
         if (const ExitCode written = Write(output.TemporaryPath()); written != EXIT_FINE) return written;
-        const std::string before = ReadWhole(mFile.Path());
+        const std::string before = ReadWhole(mInput.Text()->Path());
         const std::string after = ReadWhole(output.TemporaryPath());
         if (before == after) return EXIT_FINE;
         const std::vector<std::string> lost = CommentsMissing(before, after);
         if (!lost.empty() && !mOptions.dropComments) {
-            mLoader.Messages().Report(mFile.Name(), "error",
+            mLoader.Messages().Report(mInput.Name(), "error",
                                       std::to_string(lost.size()) +
                                           (lost.size() == 1 ? " comment" : " comments") +
                                           " would be lost, the first of them \"" + lost.front() +
@@ -69,9 +74,9 @@ private:
     }
 
     int Check(const std::string& text) {
-        const std::string before = ReadWhole(mFile.Path());
+        const std::string before = ReadWhole(mInput.Text()->Path());
         if (before == text) return EXIT_FINE;
-        std::cout << UnifiedDiff(mFile.Name(), mFile.Name() + " (rewritten)", before, text);
+        std::cout << UnifiedDiff(mInput.Name(), mInput.Name() + " (rewritten)", before, text);
         return EXIT_FINDINGS;
     }
 
@@ -79,26 +84,18 @@ private:
         api::TextForm form;
         form.simple = mOptions.simple;
         form.readsBack = true;
-        if (!mLoader.Facade().SaveText(path, form)) {
-            api::HostString message;
-            api::Framework::GetLastError(message);
-            throw Failure(EXIT_SYSTEM, Text(message));
-        }
-        api::FrameworkFacade again(mGlobals.database);
-        again.OwningChip(mLoader.Chip());
-        again.LoadText(path, /*merge=*/false);
-        const api::HostString difference = mLoader.Facade().FirstDifference(again);
+        const api::HostString difference = ConfigWriter(mGlobals, mLoader).WriteText(path, form);
         if (difference.IsNull()) return EXIT_FINE;
         mLoader.Messages().Report(
-            mFile.Name(), "error",
+            mInput.Name(), "error",
             "cannot be rewritten, it would not read back the same: " + Text(difference));
         return EXIT_FINDINGS;
     }
 
     const Globals& mGlobals;
     const RewriteOptions& mOptions;
-    TextLoader mLoader;
-    TextFile mFile;
+    ConfigLoader mLoader;
+    ConfigInput mInput;
 };
 
 }  // namespace
@@ -130,7 +127,7 @@ void AddRewrite(CLI::App& app, Globals& globals) {
         "What was written is read back and compared first. A text with errors is not rewritten.");
     command->callback([&globals, options] {
         globals.run = [&globals, options] {
-            if (options->inPlace && options->file == "-") {
+            if (options->inPlace && ConfigSource(options->file).IsStandardInput()) {
                 throw Failure(EXIT_USAGE, "standard input cannot be rewritten in place");
             }
             return Rewriter(globals, *options).Run();

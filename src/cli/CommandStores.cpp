@@ -1,13 +1,15 @@
+#include "cli/ConfigLoader.h"
 #include "cli/DeviceNames.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/KeyList.h"
 #include "cli/Table.h"
-#include "cli/TextLoader.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <memory>
+#include <utility>
 
 namespace kes::cli {
 
@@ -35,12 +37,31 @@ Json StoreRecord(const api::Store& store, api::FrameworkFacade& facade) {
     return record;
 }
 
+void PrintTable(const Json& stores) {
+    const bool sized =
+        std::ranges::any_of(stores, [](const Json& store) { return !store["size"].is_null(); });
+    Table table(sized ? std::vector<std::string>{"DEVICE", "STORE", "SIZE", "FREE", "KEYS", "SUBSYSTEMS"}
+                      : std::vector<std::string>{"DEVICE", "STORE", "KEYS", "SUBSYSTEMS"});
+    for (const Json& store : stores) {
+        std::vector<std::string> row = {store["device"], store["store"].dump()};
+        for (const char* field : {"size", "free"}) {
+            if (sized) row.push_back(store[field].is_null() ? "-" : store[field].dump());
+        }
+        row.push_back(store["keys"].dump());
+        std::string& subsystems = row.emplace_back();
+        for (const Json& subsystem : store["subsystems"])
+            subsystems += (subsystems.empty() ? "" : ", ") + subsystem.get<std::string>();
+        table.Add(std::move(row));
+    }
+    table.Print(std::cout);
+}
+
 int Run(const Globals& globals, const std::string& name) {
-    TextLoader loader(globals);
-    const TextFile file = OpenText(name);
-    if (const ExitCode loaded = loader.LoadWhatIsGood(file); loaded != EXIT_FINE) return loaded;
+    ConfigLoader loader(globals);
+    const ConfigInput input = OpenConfig(ConfigSource(name));
+    if (const ExitCode loaded = loader.LoadWhatIsGood(input); loaded != EXIT_FINE) return loaded;
     Json document = JsonDocument("stores");
-    document["file"] = file.Name();
+    document["file"] = input.Name();
     document["system"] = Text(loader.Chip()->SystemVersionLabel());
     Json& results = document["results"] = Json::array();
     for (const auto& store : loader.Facade().GetStores())
@@ -50,27 +71,21 @@ int Run(const Globals& globals, const std::string& name) {
         return EXIT_FINE;
     }
     if (results.empty()) return EXIT_FINE;
-    Table table({"DEVICE", "STORE", "KEYS", "SUBSYSTEMS"});
-    for (const Json& store : results) {
-        std::string subsystems;
-        for (const Json& subsystem : store["subsystems"])
-            subsystems += (subsystems.empty() ? "" : ", ") + subsystem.get<std::string>();
-        table.Add({store["device"], store["store"].dump(), store["keys"].dump(), subsystems});
-    }
-    table.Print(std::cout);
+    PrintTable(results);
     return EXIT_FINE;
 }
 
 }  // namespace
 
 void AddStores(CLI::App& app, Globals& globals) {
-    CLI::App* command = app.add_subcommand("stores", "List the stores that a text fills");
+    CLI::App* command = app.add_subcommand("stores", "List the stores that a configuration fills");
     const auto file = std::make_shared<std::string>();
-    command->add_option("FILE", *file, "The text; \"-\" for standard input")->required();
+    command->add_option("CONFIG", *file, CONFIG_HELP)->required();
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
     AddJsonOption(*command, globals);
     command->footer(
-        "Stores are those on otp, mtp, smem and eeprom, in this order, with what the text puts into each.");
+        "Stores are those on otp, mtp, smem and eeprom, in this order, with what the configuration "
+        "puts into each. Those of a device have a size and room that is free, in bytes.");
     command->callback([&globals, file] { globals.run = [&globals, file] { return Run(globals, *file); }; });
 }
 

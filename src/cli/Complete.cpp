@@ -4,12 +4,12 @@
 
 #include "cli/Complete.h"
 
+#include "cli/ConfigInput.h"
 #include "cli/DeviceNames.h"
 #include "cli/ExitCodes.h"
 #include "cli/Help.h"
 #include "cli/KeyText.h"
 #include "cli/Session.h"
-#include "cli/TextFile.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -24,17 +24,17 @@ namespace kes::cli {
 
 namespace {
 
-enum class Source { NOTHING, FILES, FOLDERS, KEYS, CHIPS, SUBSYSTEMS, DEVICES, COMMANDS };
+enum class Source { NOTHING, FILES, FOLDERS, CONFIGS, KEYS, CHIPS, SUBSYSTEMS, DEVICES, COMMANDS };
 
 /// What completes a value, by the name of its option or positional, or else by the name of its type. Files
 /// complete what is not here.
 constexpr struct {
     const char* word;
     Source source;
-} SOURCES[] = {{"CHIP", Source::CHIPS},      {"SUBSYSTEM", Source::SUBSYSTEMS}, {"DEVICE", Source::DEVICES},
-               {"KEY", Source::KEYS},        {"COMMAND", Source::COMMANDS},     {"DIR", Source::FOLDERS},
-               {"PATTERN", Source::NOTHING}, {"VALUE", Source::NOTHING},        {"TEXT", Source::NOTHING},
-               {"INT", Source::NOTHING},     {"UINT", Source::NOTHING}};
+} SOURCES[] = {{"CHIP", Source::CHIPS},     {"SUBSYSTEM", Source::SUBSYSTEMS}, {"DEVICE", Source::DEVICES},
+               {"KEY", Source::KEYS},       {"COMMAND", Source::COMMANDS},     {"DIR", Source::FOLDERS},
+               {"CONFIG", Source::CONFIGS}, {"PATTERN", Source::NOTHING},      {"VALUE", Source::NOTHING},
+               {"TEXT", Source::NOTHING},   {"INT", Source::NOTHING},          {"UINT", Source::NOTHING}};
 
 /// "subsystem" and "KEY=VALUE" as the table has them.
 std::string TableWord(const std::string& name) {
@@ -222,6 +222,8 @@ private:
             case Source::FOLDERS:
                 std::cout << ":folders\n";
                 return;
+            case Source::CONFIGS:
+                return Configs();
             case Source::DEVICES:
                 for (const auto& [name, number] : DEVICE_NAMES) Offer(std::string(name), "");
                 return;
@@ -234,6 +236,24 @@ private:
             case Source::KEYS:
                 return Keys();
         }
+    }
+
+    /// A prefix that is being typed, unless it is a file; files and folders for anything else.
+    void Configs() {
+        for (const ConfigPrefix& prefix : CONFIG_PREFIXES) {
+            if (mWord.starts_with(prefix.word)) break;
+            if (mWord.empty() || !prefix.word.starts_with(mWord) || IsFileBegun()) continue;
+            return Offer(std::string(prefix.word), prefix.meaning);
+        }
+        std::cout << (mWord.starts_with("chunks:") ? ":folders\n" : ":files\n");
+    }
+
+    bool IsFileBegun() const {
+        std::error_code failed;
+        const std::filesystem::directory_iterator folder(".", failed);
+        return std::any_of(begin(folder), end(folder), [&](const auto& entry) {
+            return entry.path().filename().string().starts_with(mWord);
+        });
     }
 
     void HelpTopics() {
@@ -272,13 +292,13 @@ private:
         for (const auto& [name, label] : labels) Offer(name, label);
     }
 
-    /// As the commands choose it: the option, or the "version" line of the text, or the first.
+    /// As the commands choose it: the option, or what the configuration itself names, or the first.
     std::shared_ptr<api::Chip> Chip(const Session& session) const {
-        const std::string file = ExpandHome(mLine.Value("FILE", "-"));
-        if (!mGlobals.chip.empty() || file == "-" || !std::filesystem::is_regular_file(file)) {
+        const ConfigSource source(ExpandHome(mLine.Value("CONFIG", "-")));
+        if (!mGlobals.chip.empty() || (source.IsText() && !std::filesystem::is_regular_file(source.target))) {
             return session.FindChip(mGlobals.chip);
         }
-        const std::shared_ptr<api::Chip> named = session.TryChip(TextFile(file).Version());
+        const std::shared_ptr<api::Chip> named = session.TryChip(ConfigInput(source).System());
         return named ? named : session.FindChip({});
     }
 

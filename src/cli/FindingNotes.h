@@ -1,7 +1,7 @@
 #pragma once
 
+#include "cli/ConfigReport.h"
 #include "cli/Session.h"
-#include "cli/TextReport.h"
 #include "messages/CMessageHandlerObserver.h"
 
 #include <map>

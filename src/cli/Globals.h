@@ -44,6 +44,8 @@ void AddSubsystems(CLI::App& app, Globals& globals);
 void AddKeys(CLI::App& app, Globals& globals);
 void AddDescribe(CLI::App& app, Globals& globals);
 void AddRewrite(CLI::App& app, Globals& globals);
+void AddConvert(CLI::App& app, Globals& globals);
+void AddDevice(CLI::App& app, Globals& globals);
 void AddMetadata(CLI::App& app, Globals& globals);
 void AddCompletion(CLI::App& app, Globals& globals);
 void AddHelp(CLI::App& app, Globals& globals);

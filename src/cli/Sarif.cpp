@@ -40,7 +40,7 @@ public:
         mFolder = fs::current_path(failed);
     }
 
-    void Add(const TextReport& report) {
+    void Add(const ConfigReport& report) {
         const Json artifact = Artifact(report.file);
         std::map<std::string, int> seen;
         for (const Finding& finding : report.findings) AddResult(finding, artifact, seen);
@@ -160,9 +160,9 @@ private:
 
 }  // namespace
 
-Json SarifLog(const std::vector<TextReport>& reports, ExitCode exit) {
+Json SarifLog(const std::vector<ConfigReport>& reports, ExitCode exit) {
     Log log;
-    for (const TextReport& report : reports) log.Add(report);
+    for (const ConfigReport& report : reports) log.Add(report);
     return log.Finish(exit);
 }
 

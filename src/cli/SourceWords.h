@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/TextReport.h"
+#include "cli/ConfigReport.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "cli/ConfigEditor.h"
+#include "cli/ConfigInput.h"
+#include "cli/ConfigLoader.h"
 #include "cli/KeyAddress.h"
 #include "cli/ProgressBar.h"
-#include "cli/TextFile.h"
-#include "cli/TextLoader.h"
 #include "kes/configtools/readerwriters/kestext/common/textindex/EditText.h"
 
 #include <cstdint>
@@ -15,20 +16,12 @@
 
 namespace kes::cli {
 
-enum class EditKind { Set, Add, Unset };
-
-/// One key to be changed, and its new value.
-struct Assignment {
-    KeyAddress key;
-    std::string value;
-};
-
 /// Changes keys in a text as its author would: the characters of a value, or a line. The result is to be
 /// proved before anybody sees it: it must read as the configuration does after the same changes, and have no
 /// error that the text had not before.
 class TextEditor {
 public:
-    TextEditor(const Globals& globals, const TextFile& file, const PlaceOptions& place);
+    TextEditor(const Globals& globals, const ConfigInput& input, const PlaceOptions& place);
 
     /// The text after all changes. Nothing, and the reason printed, when one of them is refused: the exit
     /// code is then in `Result`. Throws `Failure` for what was asked wrongly.
@@ -40,28 +33,16 @@ public:
     const std::string& Before() const { return mBefore; }
 
 private:
-    struct Target {
-        std::shared_ptr<api::Subsystem> subsystem;
-        std::int32_t psid;
-        VemoKesConfigTools::TextPlace place;
-    };
-
     std::function<void(std::uint64_t)> Progress(std::uint64_t round);
     bool Load();
-    Target FindTarget(EditKind kind, const PlaceFilter& filter, const KeyAddress& address);
-    Target FindRoom(const PlaceFilter& filter, const KeyAddress& address,
-                    const std::vector<KeyCandidate>& candidates);
-    bool Change(EditKind kind, const Target& target, const Assignment& assignment);
-    bool EndInTheirLines(const std::vector<Target>& targets, const std::vector<Assignment>& assignments);
-    bool ChangeByText(const Target& target, const Assignment& assignment);
-    VemoKesConfigTools::TextChange ToTextChange(EditKind kind, const Target& target,
+    VemoKesConfigTools::TextChange ToTextChange(EditKind kind, const EditTarget& target,
                                                 const Assignment& assignment);
     void Refuse(const std::string& text);
 
     const Globals& mGlobals;
-    const TextFile& mFile;
+    const ConfigInput& mInput;
     PlaceOptions mPlace;
-    TextLoader mLoader;
+    ConfigLoader mLoader;
     ProgressBar mBar;
     std::string mBefore;
     std::vector<std::string> mErrorsBefore;

@@ -82,14 +82,6 @@ void TextFile::Open() {
     mVersion = FindVersion(file);
 }
 
-TextFile OpenText(const std::string& name) {
-    try {
-        return TextFile(name);
-    } catch (const Failure& failure) {
-        throw Failure(failure.Code(), name + ": " + failure.what());
-    }
-}
-
 std::uint64_t TextFile::SizeOf(const std::string& path) {
     std::error_code failed;
     const std::uintmax_t size = fs::file_size(path, failed);

@@ -43,7 +43,4 @@ private:
     bool mIsEmpty = false;
 };
 
-/// The text of this name. The failure names it, for commands that print no other message about it.
-TextFile OpenText(const std::string& name);
-
 }  // namespace kes::cli

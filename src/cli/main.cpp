@@ -18,8 +18,8 @@ using namespace kes::cli;
 
 /// The commands in the order of the help.
 constexpr void (*COMMANDS[])(CLI::App&, Globals&) = {
-    AddCheck,      AddGet,     AddSet,      AddAdd,      AddUnset,      AddList,
-    AddDiff,       AddRewrite, AddDefaults, AddStores,   AddRaw,        AddChips,
+    AddCheck,      AddGet,     AddSet,      AddAdd,      AddUnset,      AddList, AddDiff,
+    AddRewrite,    AddConvert, AddDevice,   AddDefaults, AddStores,     AddRaw,  AddChips,
     AddSubsystems, AddKeys,    AddDescribe, AddMetadata, AddCompletion, AddHelp};
 
 /// The words in the order that CLI11 wants, the last first. It would split "[00, 11]", which can be a value,

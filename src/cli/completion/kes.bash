@@ -33,6 +33,8 @@ _kes() {
                 line=${line%%$'\t'*}
                 COMPREPLY+=("${line#"$head"}")
             done
+            # The path of a device follows its prefix at once.
+            [[ ${COMPREPLY[0]-} == *: ]] && compopt -o nospace
             ;;
     esac
 }

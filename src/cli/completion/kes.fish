@@ -5,9 +5,10 @@ function __kes_complete
     set -l current (commandline -ct)
     set -l kes (string replace -r -- '^~/' "$HOME/" $words[1])
     set -l answer (command $kes __complete -- $words[2..-1] $current 2>/dev/null)
-    # A file behind "--option=" is completed alone, and "--option=" put in front again.
-    set -l head (string match -r -- '^--[^=]*=' $current)
-    set -l tail (string replace -r -- '^--[^=]*=' '' $current)
+    # A file behind "--option=" or "eeprom:" is completed alone, and that put in front again.
+    set -l front '^(--[^=]*=|(text|chunks|eeprom|isp|kld):)'
+    set -l head (string match -r -- $front $current)[1]
+    set -l tail (string replace -r -- $front '' $current)
     switch "$answer[1]"
         case :files
             printf '%s\n' "$head"(__fish_complete_path $tail)

@@ -8,8 +8,9 @@ void Report(const char* function, const Refusal& refusal, const std::string& sub
     constexpr std::int16_t ERROR_DATA = 0;
     CMessageHandler& handler =
         CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, function, false);
-    handler.SetErrorMsg(ERROR_DATA, subject.empty() ? refusal.what() : subject + ": " + refusal.what());
-    handler.ModifyErrorMsg(ERROR_DATA, std::string(refusal.Text()), CMessageHandler::GROUP_ANY);
+    // In one piece, as observers hear of it.
+    const std::string cause = subject.empty() ? refusal.what() : subject + ": " + refusal.what();
+    handler.SetErrorMsg(ERROR_DATA, std::string(refusal.Text()) + ": " + cause);
 }
 
 }  // namespace VemoKesConfigTools

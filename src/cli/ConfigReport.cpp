@@ -1,4 +1,4 @@
-#include "cli/TextReport.h"
+#include "cli/ConfigReport.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -48,24 +48,24 @@ Finding FindingFromJson(const Json& json) {
     return finding;
 }
 
-Json SummaryToJson(const TextSummary& summary) {
+Json SummaryToJson(const ConfigSummary& summary) {
     Json json = {{"chip", summary.chip}, {"id", summary.chipId}};
     Json& places = json["places"] = Json::array();
-    for (const TextSummary::Place& place : summary.places) {
+    for (const ConfigSummary::Place& place : summary.places) {
         places.push_back({{"subsystem", place.subsystem},
                           {"device", place.device},
                           {"store", place.store},
                           {"keys", place.keys}});
     }
     Json& stores = json["stores"] = Json::array();
-    for (const TextSummary::Store& store : summary.stores) {
+    for (const ConfigSummary::Store& store : summary.stores) {
         stores.push_back({{"device", store.device}, {"store", store.store}});
     }
     return json;
 }
 
-TextSummary SummaryFromJson(const Json& json) {
-    TextSummary summary{json.at("chip"), json.at("id"), {}, {}};
+ConfigSummary SummaryFromJson(const Json& json) {
+    ConfigSummary summary{json.at("chip"), json.at("id"), {}, {}};
     for (const Json& place : json.at("places")) {
         summary.places.push_back(
             {place.at("subsystem"), place.at("device"), place.at("store"), place.at("keys")});
@@ -78,8 +78,8 @@ TextSummary SummaryFromJson(const Json& json) {
 
 }  // namespace
 
-TextReport FailureReport(const std::string& file, const std::string& message) {
-    TextReport report;
+ConfigReport FailureReport(const std::string& file, const std::string& message) {
+    ConfigReport report;
     report.file = file;
     report.exit = EXIT_SYSTEM;
     report.errors.push_back(message);
@@ -92,7 +92,7 @@ std::string RuleId(std::int32_t code) {
     return text;
 }
 
-void PrintMessages(const TextReport& report, const Diagnostics& diagnostics) {
+void PrintMessages(const ConfigReport& report, const Diagnostics& diagnostics) {
     for (const Finding& finding : report.findings) {
         if (finding.line == 0) {
             diagnostics.Report(report.file, finding.severity.c_str(), finding.message);
@@ -109,17 +109,17 @@ void PrintMessages(const TextReport& report, const Diagnostics& diagnostics) {
     for (const std::string& note : report.notes) diagnostics.Report(report.file, "note", note);
 }
 
-void PrintFailure(const TextReport& report, const Diagnostics& diagnostics) {
+void PrintFailure(const ConfigReport& report, const Diagnostics& diagnostics) {
     if (report.exit != EXIT_SYSTEM) return;
     for (const std::string& error : report.errors) diagnostics.Report(report.file, "error", error);
 }
 
-void PrintSummary(const TextReport& report) {
+void PrintSummary(const ConfigReport& report) {
     if (!report.summary) return;
     std::map<std::string, std::uint32_t> keys;
     std::cout << report.file << ": system " << report.system << ", chip " << report.summary->chip << " (id "
               << report.summary->chipId << ")\n  places\n";
-    for (const TextSummary::Place& place : report.summary->places) {
+    for (const ConfigSummary::Place& place : report.summary->places) {
         keys[place.subsystem] += place.keys;
         std::cout << "    " << place.subsystem << ' ' << place.device << ' ' << place.store << ": "
                   << place.keys << (place.keys == 1 ? " key\n" : " keys\n");
@@ -127,12 +127,12 @@ void PrintSummary(const TextReport& report) {
     std::cout << "  keys per subsystem\n";
     for (const auto& [subsystem, count] : keys) std::cout << "    " << subsystem << ": " << count << '\n';
     std::cout << "  stores\n";
-    for (const TextSummary::Store& store : report.summary->stores) {
+    for (const ConfigSummary::Store& store : report.summary->stores) {
         std::cout << "    " << store.device << ' ' << store.store << '\n';
     }
 }
 
-Json ToJson(const TextReport& report) {
+Json ToJson(const ConfigReport& report) {
     Json json = {{"file", report.file}, {"system", report.system}, {"exit", static_cast<int>(report.exit)}};
     Json& findings = json["findings"] = Json::array();
     for (const Finding& finding : report.findings) findings.push_back(FindingToJson(finding));
@@ -142,8 +142,8 @@ Json ToJson(const TextReport& report) {
     return json;
 }
 
-TextReport ReportFromJson(const Json& json) {
-    TextReport report;
+ConfigReport ReportFromJson(const Json& json) {
+    ConfigReport report;
     json.at("file").get_to(report.file);
     json.at("system").get_to(report.system);
     report.exit = static_cast<ExitCode>(json.at("exit").get<int>());

@@ -39,7 +39,7 @@ struct Finding {
 };
 
 /// What a text holds, for those who ask.
-struct TextSummary {
+struct ConfigSummary {
     struct Place {
         std::string subsystem;
         std::string device;
@@ -57,31 +57,31 @@ struct TextSummary {
 };
 
 /// What came of loading one text. Text, JSON and SARIF are made of this record alone.
-struct TextReport {
+struct ConfigReport {
     std::string file;    ///< as messages name it
     std::string system;  ///< label of the system it was held against; empty when it did not come that far
     ExitCode exit = EXIT_FINE;
     std::vector<Finding> findings;
     std::vector<std::string> errors;  ///< of the whole text, or of the system when `exit` is `EXIT_SYSTEM`
     std::vector<std::string> notes;   ///< of the whole text
-    std::optional<TextSummary> summary;
+    std::optional<ConfigSummary> summary;
 };
 
 /// The report of a text that could not be read.
-TextReport FailureReport(const std::string& file, const std::string& message);
+ConfigReport FailureReport(const std::string& file, const std::string& message);
 
 /// The stable name of a kind of finding: "KES026".
 std::string RuleId(std::int32_t code);
 
 /// Prints a report as messages, a line each, without its summary.
-void PrintMessages(const TextReport& report, const Diagnostics& diagnostics);
+void PrintMessages(const ConfigReport& report, const Diagnostics& diagnostics);
 /// Prints the errors of a report that has failed; nothing for any other.
-void PrintFailure(const TextReport& report, const Diagnostics& diagnostics);
+void PrintFailure(const ConfigReport& report, const Diagnostics& diagnostics);
 /// Prints the summary on standard output, if there is one.
-void PrintSummary(const TextReport& report);
+void PrintSummary(const ConfigReport& report);
 
 /// The report as an element of "results". `ReportFromJson` makes the same report of it again.
-Json ToJson(const TextReport& report);
-TextReport ReportFromJson(const Json& json);
+Json ToJson(const ConfigReport& report);
+ConfigReport ReportFromJson(const Json& json);
 
 }  // namespace kes::cli

@@ -1,5 +1,6 @@
-#include "cli/TextLoader.h"
+#include "cli/ConfigLoader.h"
 
+#include "cli/ConfigAccess.h"
 #include "cli/DeviceNames.h"
 #include "cli/ProgressBar.h"
 #include "cli/SourceLines.h"
@@ -29,7 +30,7 @@ std::string WhatIsUsed(const std::vector<Finding>& findings) {
 
 }  // namespace
 
-TextLoader::TextLoader(const Globals& globals)
+ConfigLoader::ConfigLoader(const Globals& globals)
     : mChosenChip(globals.chip),
       mSession(globals),
       mFacade(globals.database),
@@ -38,17 +39,17 @@ TextLoader::TextLoader(const Globals& globals)
     if (!mChosenChip.empty()) mSession.FindChip(mChosenChip);
 }
 
-ExitCode TextLoader::Load(const TextFile& file) {
-    const TextReport report = ReadWithBar(file);
+ExitCode ConfigLoader::Load(const ConfigInput& input) {
+    const ConfigReport report = ReadWithBar(input);
     PrintMessages(report, mDiagnostics);
     return report.exit;
 }
 
-ExitCode TextLoader::LoadWhatIsGood(const TextFile& file) {
-    TextReport report = ReadWithBar(file);
-    if (report.exit != EXIT_FINDINGS) {
+ExitCode ConfigLoader::LoadWhatIsGood(const ConfigInput& input) {
+    ConfigReport report = ReadWithBar(input);
+    if (report.exit != EXIT_FINDINGS || input.Text() == nullptr) {
         PrintMessages(report, mDiagnostics);
-        return report.exit;
+        return report.exit == EXIT_FINE ? EXIT_FINE : EXIT_SYSTEM;
     }
     if (!report.findings.empty()) report.notes.push_back(WhatIsUsed(report.findings));
     for (const std::string& error : report.errors) report.findings.emplace_back().message = error;
@@ -58,14 +59,14 @@ ExitCode TextLoader::LoadWhatIsGood(const TextFile& file) {
     return EXIT_FINE;
 }
 
-TextReport TextLoader::ReadWithBar(const TextFile& file) {
-    ProgressBar bar(file.Size());
-    TextReport report = Read(file, [&](std::uint64_t bytes) { bar.Show(bytes); });
+ConfigReport ConfigLoader::ReadWithBar(const ConfigInput& input) {
+    ProgressBar bar(input.Size());
+    ConfigReport report = Read(input, [&](std::uint64_t bytes) { bar.Show(bytes); });
     bar.Erase();
     return report;
 }
 
-void TextLoader::LoadDefaults(const std::vector<std::shared_ptr<api::Subsystem>>& subsystems) {
+void ConfigLoader::LoadDefaults(const std::vector<std::shared_ptr<api::Subsystem>>& subsystems) {
     for (const auto& subsystem : subsystems) {
         if (mFacade.LoadDefaults(subsystem)) continue;
         api::HostString message;
@@ -74,21 +75,27 @@ void TextLoader::LoadDefaults(const std::vector<std::shared_ptr<api::Subsystem>>
     }
 }
 
-std::vector<std::string> TextLoader::NotesOn(const TextFinding& said) {
+std::vector<std::string> ConfigLoader::NotesOn(const TextFinding& said) {
     Finding finding;
     finding.code = said.code;
     mNotes.Add(*mChip, said, {}, finding);
     return finding.notes;
 }
 
-TextReport TextLoader::Read(const TextFile& file, std::function<void(std::uint64_t)> progress) {
-    const bool guessed = ChooseChip(file);
+ConfigReport ConfigLoader::Read(const ConfigInput& input, std::function<void(std::uint64_t)> progress) {
+    const bool guessed = ChooseChip(input);
     const Listener listener(std::move(progress));
     mFacade.OwningChip(mChip);
-    TextReport report;
-    report.file = file.Name();
+    ConfigReport report;
+    report.file = input.Name();
     report.system = Text(mChip->SystemVersionLabel());
-    if (!mFacade.LoadText(file.Path(), /*merge=*/false)) TakeFindings(file, listener, report);
+    const bool loaded = LoadConfig(mFacade, input.Source());
+    if (const TextFile* text = input.Text()) {
+        if (!loaded) TakeFindings(*text, listener, report);
+    } else if (!loaded || !listener.OtherErrors().empty()) {
+        for (const auto& [number, error] : listener.OtherErrors()) report.errors.push_back(error);
+        report.exit = ExitOf(listener.OtherErrors());
+    }
     for (const std::string& status : listener.Statuses()) {
         if (!listener.Findings().empty()) break;
         Finding finding;
@@ -97,25 +104,27 @@ TextReport TextLoader::Read(const TextFile& file, std::function<void(std::uint64
         finding.message = status;
         report.findings.push_back(std::move(finding));
     }
-    if (guessed && report.exit == EXIT_FINDINGS && !file.IsEmpty()) {
-        report.notes.push_back("checked as a text of " + report.system +
+    const bool isEmpty = input.Text() != nullptr && input.Text()->IsEmpty();
+    if (guessed && report.exit == EXIT_FINDINGS && !isEmpty) {
+        report.notes.push_back(std::string("checked as a ") + (input.Text() ? "text" : "configuration") +
+                               " of " + report.system +
                                ", the first of the database; choose another system with --chip");
     }
     return report;
 }
 
-/// Whether neither the options nor the text have named the system.
-bool TextLoader::ChooseChip(const TextFile& file) {
-    mChip = mChosenChip.empty() ? mSession.TryChip(file.Version()) : nullptr;
+/// Whether neither the options nor the configuration have named the system.
+bool ConfigLoader::ChooseChip(const ConfigInput& input) {
+    mChip = mChosenChip.empty() ? mSession.TryChip(input.System()) : nullptr;
     const bool named = mChip != nullptr || !mChosenChip.empty();
     if (!mChip) mChip = mSession.FindChip(mChosenChip);
     return !named;
 }
 
-void TextLoader::TakeFindings(const TextFile& file, const Listener& listener, TextReport& report) {
-    for (const auto& [number, text] : listener.OtherErrors()) report.errors.push_back(text);
-    report.exit = report.errors.empty() || file.IsEmpty() ? EXIT_FINDINGS : EXIT_SYSTEM;
-    SourceLines lines(file.Path());
+void ConfigLoader::TakeFindings(const TextFile& text, const Listener& listener, ConfigReport& report) {
+    for (const auto& [number, error] : listener.OtherErrors()) report.errors.push_back(error);
+    report.exit = report.errors.empty() || text.IsEmpty() ? EXIT_FINDINGS : EXIT_SYSTEM;
+    SourceLines lines(text.Path());
     for (const TextFinding& said : listener.Findings()) {
         Finding finding;
         finding.line = said.line;
@@ -136,8 +145,8 @@ void TextLoader::TakeFindings(const TextFile& file, const Listener& listener, Te
     }
 }
 
-TextSummary TextLoader::Summary() const {
-    TextSummary summary{Text(mChip->Name()), mChip->ChipId(), {}, {}};
+ConfigSummary ConfigLoader::Summary() const {
+    ConfigSummary summary{Text(mChip->Name()), mChip->ChipId(), {}, {}};
     for (const auto& place : mFacade.GetPlaces()) {
         summary.places.push_back({Text(api::Subsystem::NameOf(place->SubsystemType())),
                                   DeviceName(place->DeviceId()), place->StoreId(), place->KeyCount()});

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "cli/ConfigInput.h"
+#include "cli/ConfigReport.h"
 #include "cli/Diagnostics.h"
 #include "cli/ExitCodes.h"
 #include "cli/FindingNotes.h"
 #include "cli/Globals.h"
 #include "cli/Listener.h"
 #include "cli/Session.h"
-#include "cli/TextFile.h"
-#include "cli/TextReport.h"
 #include "facade/FrameworkFacade.h"
 
 #include <cstdint>
@@ -18,36 +18,36 @@
 
 namespace kes::cli {
 
-/// Loads configuration texts for commands, and reports what is wrong with them.
-class TextLoader {
+/// Loads configurations for commands, and reports what is wrong with them.
+class ConfigLoader {
 public:
-    explicit TextLoader(const Globals& globals);
+    explicit ConfigLoader(const Globals& globals);
 
-    /// Loads a text: `EXIT_FINE`, `EXIT_FINDINGS` with all errors printed on standard error, or
+    /// Loads a configuration: `EXIT_FINE`, `EXIT_FINDINGS` with all errors printed on standard error, or
     /// `EXIT_SYSTEM`. What takes long shows a bar on a terminal.
-    ExitCode Load(const TextFile& file);
-    /// The same for commands that go on with the lines that are good: says what was left out. `EXIT_FINE`, or
-    /// `EXIT_SYSTEM`.
-    ExitCode LoadWhatIsGood(const TextFile& file);
+    ExitCode Load(const ConfigInput& input);
+    /// The same for commands that go on with the lines of a text that are good: says what was left out.
+    /// Anything else is loaded whole. `EXIT_FINE`, or `EXIT_SYSTEM`.
+    ExitCode LoadWhatIsGood(const ConfigInput& input);
     /// The same without printing: what was found. `progress` is told how many bytes have been read.
-    TextReport Read(const TextFile& file, std::function<void(std::uint64_t)> progress = {});
+    ConfigReport Read(const ConfigInput& input, std::function<void(std::uint64_t)> progress = {});
     /// What the last load has filled.
     api::FrameworkFacade& Facade() { return mFacade; }
-    /// The chip of the last load: the one of the options, or of the text's "version" line, or the first.
+    /// The chip of the last load: the one of the options, or that the configuration names, or the first.
     const std::shared_ptr<api::Chip>& Chip() const { return mChip; }
     /// Loads the default values of subsystems. Throws `Failure`.
     void LoadDefaults(const std::vector<std::shared_ptr<api::Subsystem>>& subsystems);
     Session& Library() { return mSession; }
     /// What helps with a finding of the chip's text whose line is not at hand.
     std::vector<std::string> NotesOn(const VemoKesConfigTools::TextFinding& said);
-    /// What the text of the last load holds.
-    TextSummary Summary() const;
+    /// What the configuration of the last load holds.
+    ConfigSummary Summary() const;
     Diagnostics& Messages() { return mDiagnostics; }
 
 private:
-    TextReport ReadWithBar(const TextFile& file);
-    bool ChooseChip(const TextFile& file);
-    void TakeFindings(const TextFile& file, const Listener& listener, TextReport& report);
+    ConfigReport ReadWithBar(const ConfigInput& input);
+    bool ChooseChip(const ConfigInput& input);
+    void TakeFindings(const TextFile& text, const Listener& listener, ConfigReport& report);
 
     std::string mChosenChip;
     Session mSession;

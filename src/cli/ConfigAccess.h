@@ -1,0 +1,32 @@
+#pragma once
+
+#include "cli/ConfigSource.h"
+#include "cli/ExitCodes.h"
+#include "cli/Listener.h"
+#include "facade/FrameworkFacade.h"
+
+#include <vector>
+
+namespace kes::cli {
+
+// The operations of the library that go with each kind of configuration.
+
+/// Loads a configuration in place of what the facade holds. The result alone does not tell that all of a
+/// folder was read; any error that was heard does.
+bool LoadConfig(VEMO::Kes::ConfigurationTools::FrameworkFacade& facade, const ConfigSource& source);
+
+/// How a device is written.
+struct SaveOptions {
+    bool merge = false;  ///< kld: keys of the device that the configuration does not have stay
+    bool reset = false;  ///< isp: the device is reset afterwards
+};
+
+/// Writes what the facade holds; a text in a form that reads back.
+bool SaveConfig(VEMO::Kes::ConfigurationTools::FrameworkFacade& facade, const ConfigSource& target,
+                const SaveOptions& options);
+
+/// What a command ends with that has heard these errors about binary files or a device: whether the data were
+/// wrong, or the system failed.
+ExitCode ExitOf(const std::vector<Listener::Error>& errors);
+
+}  // namespace kes::cli

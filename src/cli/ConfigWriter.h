@@ -1,0 +1,33 @@
+#pragma once
+
+#include "cli/ConfigAccess.h"
+#include "cli/ConfigLoader.h"
+
+#include <string>
+#include <vector>
+
+namespace kes::cli {
+
+/// Writes what a loader has loaded, and proves it: what was written is loaded again and compared.
+class ConfigWriter {
+public:
+    ConfigWriter(const Globals& globals, ConfigLoader& loader) : mGlobals(globals), mLoader(loader) {}
+
+    /// Writes a text. Gives where it would not read back the same, null when it does. Throws `Failure`.
+    api::HostString WriteText(const std::string& path, const api::TextForm& form);
+    /// The configuration as a text of one line for each key. Throws `Failure`.
+    std::string AsText();
+    /// Writes to a folder of chunk files or to a device. `EXIT_FINE`, or another code with the reason
+    /// printed; the target is then as it was, unless the reason is that it does not read back.
+    ExitCode Save(const ConfigSource& target, const SaveOptions& options);
+
+private:
+    void SaveText(const std::string& path, const api::TextForm& form);
+    ExitCode Load(api::FrameworkFacade& facade, const ConfigSource& source);
+    ExitCode Report(const ConfigSource& target, const Listener& listener);
+
+    const Globals& mGlobals;
+    ConfigLoader& mLoader;
+};
+
+}  // namespace kes::cli
