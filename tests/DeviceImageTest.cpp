@@ -1,11 +1,19 @@
 // Devices as images: what is saved, kept, refused and found again, through the host API and the real
 // plug-ins.
 
+#include "model/CKesContext.h"
+#include "model/CReaderWriterFactory.h"
+#include "model/CStoreInfo.h"
+#include "model/IStoreManager.h"
 #include "support/DeviceSession.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -167,6 +175,31 @@ TEST_F(DeviceImages, OneTimeProgrammableStoresOnlyGainBits) {
     }
 }
 
+TEST_F(DeviceImages, EachOfSeveralKeysOfANumberOnlyGainsBits) {
+    const std::string path = Image(ImageFamily::Kld, 16 * KIB);
+    const auto bt = KesTest::SubsystemNamed("bt");
+    const struct {
+        const char* second;
+        const char* error;
+    } rows[] = {
+        {"6", "none"},
+        {"7", "none"},
+        {"5", "0 invalid operation: one-time-programmable store otp 1: key 4144 would have bits cleared"},
+        {nullptr, "0 invalid operation: one-time-programmable store otp 1: key 4144 would be taken out"}};
+    for (const auto& row : rows) {
+        const auto facade = Blank();
+        KesTest::ClearErrors();
+        ASSERT_TRUE(facade->SetValue(bt, 4144, nullptr, DEVICE_TYPE_OTP, 1, 1, "1")) << LastError();
+        if (row.second != nullptr) {
+            ASSERT_TRUE(facade->AddValue(bt, 4144, nullptr, DEVICE_TYPE_OTP, 1, 1, row.second))
+                << LastError();
+        }
+        facade->SaveToDeviceOstrel(path, false);
+        EXPECT_EQ(WithoutPath(LastError(), path), row.error);
+    }
+    EXPECT_EQ(Read(ImageFamily::Kld, path), "1/1/1 4144=0x01; 1/1/1 4144=0x07");
+}
+
 TEST_F(DeviceImages, WhatDoesNotFitIsRefusedWithBothSizes) {
     std::string many;
     for (int i = 0; i < 60; ++i) many += "tx_power_correction." + std::to_string(i) + "=-3\n";
@@ -229,8 +262,9 @@ TEST_F(DeviceImages, EitherHalfOfAPairIsEnoughAndIsMended) {
             EXPECT_FALSE(Holding(At("smem", 1, "max_acl_links=3"))->SaveToDeviceOstrel(path, true));
         } else {
             EXPECT_EQ(outcome, row.expected);
-            EXPECT_EQ(SavedKld(path, At("smem", 1, "max_acl_links=2")), held);
-            EXPECT_EQ(states().find('x'), std::string::npos) << "the same content mends it too";
+            EXPECT_NE(SavedKld(path, At("mtp", 1, "max_acl_links=2"), /*merge=*/true), held);
+            const std::string after = states();
+            EXPECT_EQ(std::ranges::count(after, 'c'), 2) << "a save of something else mends it too";
         }
         EXPECT_EQ(SavedKld(path, At("smem", 1, "max_acl_links=4")), "1/2/1 4101=4") << "all is replaced";
     }
@@ -273,6 +307,54 @@ TEST_F(DeviceImages, StoresAreMadeOnceWhereTheyHaveRoom) {
     std::uint32_t application = 0;
     for (const auto& store : info.stores) application += store.applicationId;
     EXPECT_EQ(application, 4U * 12U);
+}
+
+TEST_F(DeviceImages, AStoreManagerSeesWhatTheDeviceHasNow) {
+    namespace kes = VemoKesConfigTools;
+    const std::string path = Image(ImageFamily::Kld, 16 * KIB);
+    const std::unique_ptr<kes::IStoreManager> manager(
+        kes::CReaderWriterFactory::Ref().CreateStoreManager("KLD770xDevice", path, nullptr));
+    kes::CKesContext context;
+    EXPECT_TRUE(manager->GetStoresInfo(context).empty());
+    kes::CStoreInfo store(kes::IStoreManager::DEVICE_MTP, 3, 64, -1, 5, 0, false);
+    manager->CreateStore(store, context);
+    EXPECT_EQ(LastError(), "none");
+    manager->RefreshStoreInfo(store, context);
+    EXPECT_EQ(store.StoreSizeFree(), 48);
+    ASSERT_EQ(manager->GetStoresInfo(context).size(), 1U);
+    EXPECT_EQ(manager->GetStoresInfo(context).front()->LinkedStoreId(), 5);
+    std::filesystem::remove(path);
+    EXPECT_TRUE(manager->GetStoresInfo(context).empty());
+    EXPECT_EQ(LastError(), "0 unable to open the file: " + path + ": No such file or directory");
+}
+
+TEST_F(DeviceImages, TheDocumentShowsARealOne) {
+    const std::string path = mFolder / "device.img";
+    ASSERT_TRUE(Holding("file=bt1\nmax_acl_links = 3\n")->SaveToDeviceKesEeprom(path, 9, 0)) << LastError();
+    ASSERT_TRUE(Holding("file=bt1\nmax_acl_links = 4\n")->SaveToDeviceKesEeprom(path, 0, 0)) << LastError();
+    const std::string bytes = KesTest::ReadFile(path);
+    std::string rows;
+    for (std::size_t at = 0; at < bytes.size(); at += 16) {
+        const std::string row = bytes.substr(at, 16);
+        if (row == std::string(16, '\0') || row == std::string(16, '\xFF')) continue;
+        char text[24];
+        std::snprintf(text, sizeof text, "%03zx ", at);
+        rows += text;
+        for (const char byte : row) {
+            std::snprintf(text, sizeof text, " %02x", static_cast<unsigned char>(byte));
+            rows += text;
+        }
+        rows += "\n";
+    }
+    std::string documented;
+    std::istringstream document(
+        KesTest::ReadFile(std::string(KES_TEST_SOURCE_DIR) + "/docs/device-image.md"));
+    for (std::string line; std::getline(document, line);) {
+        constexpr std::size_t ROW = 3 + 1 + 16 * 3;
+        if (std::regex_search(line, std::regex("^[0-9a-f]{3}  [0-9a-f]{2} ")))
+            documented += line.substr(0, ROW) + "\n";
+    }
+    EXPECT_EQ(documented, rows);
 }
 
 TEST_F(DeviceImages, StoreSetsAreReadOneByOneAndReplacedOneByOne) {

@@ -77,13 +77,16 @@ protected:
         return text;
     }
     /// All that an image holds, or the error of the reading, after which nothing may be held.
-    static std::string Read(ImageFamily family, const std::string& path) {
-        const auto facade = Blank();
-        if (Load(*facade, family, path)) return Dump(*facade);
-        EXPECT_FALSE(facade->HasValue());
+    std::string Read(ImageFamily family, const std::string& path) {
+        if (!mpReader) mpReader = Blank();
+        if (Load(*mpReader, family, path)) return Dump(*mpReader);
+        EXPECT_FALSE(mpReader->HasValue());
         EXPECT_NE(LastError(), "none");
         return LastError();
     }
+
+private:
+    std::unique_ptr<host::FrameworkFacade> mpReader;
 };
 
 }  // namespace KesTest

@@ -13,7 +13,7 @@ std::string PathOfConnection(std::string_view connection) {
         throw Refusal(STR_OPERATION_INVALID, "unknown option \"" + std::string(connection.substr(mark + 1)) +
                                                  "\" behind \"?\": device images take none");
     }
-    const std::string path(connection.substr(0, mark));
+    std::string path(connection.substr(0, mark));
     if (path.empty()) throw Refusal(STR_OPERATION_INVALID, "the connection names no file");
     return path;
 }

@@ -86,7 +86,7 @@ std::string DeviceImage::Content(std::size_t position) const {
 
 bool DeviceImage::NeedsRepair(std::size_t position) const {
     const StoreRecord& store = mDirectory.stores.at(position);
-    return store.sequence != 0 && store.paired && !(HoldsCurrent(store, 0) && HoldsCurrent(store, 1));
+    return store.sequence != 0 && store.paired && HoldsCurrent(store, 0) != HoldsCurrent(store, 1);
 }
 
 std::string DeviceImage::ReadArea(const StoreRecord& store) const {

@@ -30,9 +30,9 @@ public:
 
     /// The current content of a store, checked. Of a pair one whole half is enough; what is wrong with the
     /// other one goes to the message service as a warning.
-    std::string Content(std::size_t store) const;
-    /// Whether a half of a pair does not hold the current content.
-    bool NeedsRepair(std::size_t store) const;
+    std::string Content(std::size_t position) const;
+    /// Whether one half of a pair holds the current content and the other one does not.
+    bool NeedsRepair(std::size_t position) const;
     /// How large a content the store can take now.
     std::uint32_t RoomFor(const StoreRecord& store) const;
     /// The bytes that a memory has behind its last store.

@@ -97,9 +97,9 @@ void CheckStores(const std::vector<StoreRecord>& stores, const ImageHeader& head
         if (!names.emplace(store.device, store.id).second)
             Damaged(NameOfStore(header.family, store) + " is there twice");
     }
-    if (Overlap(std::move(stretches))) Damaged("stores of its directory overlap");
+    if (Overlap(std::move(stretches))) Damaged("stores overlap");
     if (std::ranges::count_if(stores, &StoreRecord::takesOtherPlaces) > 1)
-        Damaged("two stores of its directory take all other places");
+        Damaged("two stores take all other places");
 }
 
 StoreRecord DecodeStore(ByteReader& bytes) {
@@ -109,7 +109,7 @@ StoreRecord DecodeStore(ByteReader& bytes) {
     store.applicationId = bytes.Fixed<std::uint16_t>();
     const auto flags = bytes.Fixed<std::uint16_t>();
     if (flags > (FLAG_PAIRED | FLAG_EVERY_ID | FLAG_OTHER_PLACES | FLAG_AUTOMATIC))
-        Damaged("a store of its directory has unknown flags");
+        Damaged("a store has unknown flags");
     store.paired = flags & FLAG_PAIRED;
     store.takesEveryId = flags & FLAG_EVERY_ID;
     store.takesOtherPlaces = flags & FLAG_OTHER_PLACES;

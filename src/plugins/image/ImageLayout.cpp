@@ -117,7 +117,7 @@ ImageLayout LayOut(const ImageGeometry& geometry) {
         if (!geometry.memories.empty()) {
             size = GivenSize(geometry, memoryPlan);
         } else if (memoryPlan.fraction != 0) {
-            size = geometry.size / memoryPlan.fraction / ALIGNMENT * ALIGNMENT;
+            size = std::uint64_t{geometry.size} / memoryPlan.fraction / ALIGNMENT * ALIGNMENT;
         }
         if (size < LEAST_MEMORY_SIZE || size > left) {
             throw Refusal(

@@ -60,7 +60,10 @@ std::optional<std::string> HeldContent(const DeviceImage& image, std::size_t sto
 /// The content that a store gets; nothing when it keeps its own.
 std::optional<std::string> NewContent(const DeviceImage& image, std::size_t store,
                                       const std::vector<EncodedPlace>& given, SaveKeeps keeps) {
-    if (given.empty() && keeps != SaveKeeps::Nothing) return std::nullopt;
+    if (given.empty() && keeps != SaveKeeps::Nothing) {
+        if (!image.NeedsRepair(store)) return std::nullopt;
+        return image.Content(store);
+    }
     const StoreRecord& record = image.Directory().stores[store];
     const bool isOneTime = image.Header().MemoryOf(record.device)->oneTimeProgrammable;
     const bool isMerged = keeps == SaveKeeps::OtherKeys;

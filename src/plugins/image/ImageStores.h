@@ -27,7 +27,7 @@ std::vector<CStoreInfo> StoreInfosOf(const DeviceImage& image,
                                      const std::vector<std::vector<EncodedPlace>>& places);
 
 /// Makes a store, whose size is that of one bank. Throws `Refusal`.
-void MakeStore(DeviceImage& image, const CStoreInfo& store);
+void MakeStore(DeviceImage& image, const CStoreInfo& wanted);
 
 /// A store that a save has to make, for a content.
 struct NeededStore {

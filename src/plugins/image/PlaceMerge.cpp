@@ -4,6 +4,7 @@
 #include "model/Payloads.h"
 #include "model/Words.h"
 #include "plugins/binary/Refusal.h"
+#include "plugins/binary/ValueCodec.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -77,10 +78,10 @@ Fit FitOf(const IPayload& held, const IPayload& wanted) {
 }
 
 Fit FitOf(const KeyRecord& held, const KeyRecord& wanted) {
-    const PayloadList listBefore = DecodePayloads(held.payloads);
-    const PayloadList listAfter = DecodePayloads(wanted.payloads);
-    const auto& before = listBefore.Get();
-    const auto& after = listAfter.Get();
+    const PayloadList heldValues = DecodePayloads(held.payloads);
+    const PayloadList wantedValues = DecodePayloads(wanted.payloads);
+    const std::vector<IPayload*>& before = heldValues.Get();
+    const std::vector<IPayload*>& after = wantedValues.Get();
     if (before.size() != after.size()) return Fit::HasAnotherForm;
     Fit worst = Fit::SetsBits;
     for (std::size_t i = 0; i < before.size(); ++i) worst = std::max(worst, FitOf(*before[i], *after[i]));
