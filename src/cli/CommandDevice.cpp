@@ -159,7 +159,7 @@ int CreateStore(const Globals& globals, const DeviceOptions& options) {
 }
 
 void AddDeviceOption(CLI::App& command, DeviceOptions& options) {
-    command.add_option("DEVICE", options.device, DEVICE_HELP)->required();
+    command.add_option("IMAGE", options.device, DEVICE_HELP)->required();
 }
 
 void AddCreate(CLI::App& device, Globals& globals) {
