@@ -21,7 +21,7 @@ struct SourceWord {
     std::uint32_t endCharacter = 0;
 };
 
-/// One thing that is wrong with a text.
+/// One thing that is wrong with a text, or a warning about any configuration.
 struct Finding {
     std::uint32_t line = 0;          ///< counted from 1; 0 when the text as a whole is meant
     std::uint32_t column = 0;        ///< in bytes from 1: where the reader stopped; 0 without a line
@@ -38,7 +38,7 @@ struct Finding {
     std::string source;  ///< the line; only the beginning of a very long one
 };
 
-/// What a text holds, for those who ask.
+/// What a configuration holds, for those who ask.
 struct ConfigSummary {
     struct Place {
         std::string subsystem;
@@ -56,18 +56,18 @@ struct ConfigSummary {
     std::vector<Store> stores;
 };
 
-/// What came of loading one text. Text, JSON and SARIF are made of this record alone.
+/// What came of loading one configuration. Text, JSON and SARIF are made of this record alone.
 struct ConfigReport {
     std::string file;    ///< as messages name it
     std::string system;  ///< label of the system it was held against; empty when it did not come that far
     ExitCode exit = EXIT_FINE;
     std::vector<Finding> findings;
-    std::vector<std::string> errors;  ///< of the whole text, or of the system when `exit` is `EXIT_SYSTEM`
-    std::vector<std::string> notes;   ///< of the whole text
+    std::vector<std::string> errors;  ///< of the whole, or of the system when `exit` is `EXIT_SYSTEM`
+    std::vector<std::string> notes;   ///< of the whole
     std::optional<ConfigSummary> summary;
 };
 
-/// The report of a text that could not be read.
+/// The report of a configuration that could not be read.
 ConfigReport FailureReport(const std::string& file, const std::string& message);
 
 /// The stable name of a kind of finding: "KES026".

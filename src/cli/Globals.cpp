@@ -49,7 +49,7 @@ void AddDatabaseOptions(CLI::App& command, Globals& globals, bool withChip) {
         .add_option(
             "--chip", globals.chip,
             "Firmware system, by its version label (environment: KES_CHIP; without both: the one that the "
-            "\"version\" line of the text names, or else the first of the database)")
+            "configuration itself names, or else the first of the database)")
         ->type_name("LABEL");
 }
 
