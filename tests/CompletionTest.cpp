@@ -57,6 +57,13 @@ TEST(Candidates, FollowFromTheWordsInFront) {
         {{"rewrite", "-io", ""}, {":files"}},
         {{"check", "--db="}, {":files"}},
         {{"check", "--plugins", ""}, {":folders"}},
+        {{"check", "eep"}, {"eeprom:"}},
+        {{"convert", "a.ktf", "kl"}, {"kld:"}},
+        {{"device", "info", "kl"}, {"kld:"}},
+        {{"device", "create-store", "kld:a", "--device", "s"}, {"smem"}},
+        {{"diff", "eeprom:a"}, {":files"}},
+        {{"get", "chunks:a"}, {":folders"}},
+        {{"convert", "isp:a", "b", "--store-set", "f"}, {"fw_cfg"}},
         {{"check", "--chip", ""}, chips},
         {{"check", "--chip=ostrell_3"}, {"--chip=ostrell_310_1_7"}},
         {{"check", "--verbose=o"}, {}},
@@ -119,6 +126,7 @@ const struct {
     {"kes describe --chip=ostrell_205_1_1 accel_r", {"accel_range"}},
     {"kes describe --subsystem \"bt\" bd_", {"bd_addr"}},
     {KES_TEST_COMMAND " --no-color desc", {"describe"}},
+    {"kes get eep", {"eeprom:"}},
     {"kes keys ", {}},
 };
 
@@ -159,6 +167,7 @@ TEST(CompletionScripts, WorkInZsh) {
         "compdef() { }\n"
         "compset() { PREFIX=${PREFIX#*=} }\n"
         "_files() { [[ $1 == -/ ]] && echo :folders $PREFIX || echo :files $PREFIX }\n"
+        "compadd() { print -r -- $@[-1] }\n"
         "_describe() { local -a all=(\"${(@P)2}\"); [[ -z $all ]] || print -rl -- ${all%%:*} }\n"
         "source \"$1\"\n"
         "words=(${(z)2}); [[ $2 == *' ' ]] && words+=('')\n"
@@ -175,6 +184,7 @@ TEST(CompletionScripts, WorkInFish) {
     ExpectLines("fish", "--no-config", driver);
     EXPECT_EQ(RunShell("fish", "--no-config", driver, "kes check f"), (Words{"file", "folder/"}));
     EXPECT_EQ(RunShell("fish", "--no-config", driver, "kes check --plugins=f"), Words{"--plugins=folder/"});
+    EXPECT_EQ(RunShell("fish", "--no-config", driver, "kes check kld:fi"), Words{"kld:file"});
 }
 
 }  // namespace

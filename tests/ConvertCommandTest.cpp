@@ -118,7 +118,7 @@ TEST(Convert, LeavesOfTheTargetWhatItIsToLeave) {
          {"kes device info isp:i | grep -q 'resets asked for 1$'"},
          {"kes convert isp:i set --store-set fw_cfg && kes diff set firmware"},
          {"kes convert isp:i set --store-set dev_cfg && kes diff set own"},
-         {"kes convert isp:i set --store-set cur_cfg && test \"$(kes list set)\" = ''"},
+         {"kes convert isp:i set --store-set cur_cfg && test \"$(kes list set 2>/dev/null)\" = ''"},
          {"kes device create kld:k --size 16K && kes convert small kld:k && kes convert other kld:k --merge"},
          {"test $(kes get kld:k max_acl_links) = 5 && test $(kes get kld:k antenna_gain) = 2"},
          {"kes convert other kld:k && kes diff other kld:k"},

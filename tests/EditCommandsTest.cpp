@@ -194,6 +194,54 @@ TEST(Edit, SaysWhatFilesDoNotAllow) {
     });
 }
 
+/// Chunk files and devices are changed as a text is, by its rules and with its words.
+TEST(Edit, AllKindsAreChangedAlike) {
+    const std::string text = "version=ostrell_520_2_3\n" + LINKS +
+                             "front_end_loss=4\n4480=% 1 %\nfile=wlan1\ntx_power_limit.0.1=5\n"
+                             "subsystem=bt\ndevice=cur_cfg\nstore=2\npage_timeout=0x1000\n";
+    const struct {
+        const char* line;
+        int code = 0;
+        const char* message = "";
+    } rows[] = {
+        {"kes set X max_acl_links 4 local_name '\"a # b\"' tx_power_limit.0.1=6 --device eeprom"},
+        {"kes set X page_timeout 0x3000"},
+        {"kes set X max_acl_links 3"},
+        {"kes set X 4480 '% 1 [ 02 ] %' --subsystem bt --device eeprom"},
+        {"kes add X pin_code '\"0\"' --device otp --store 2"},
+        {"kes unset X tx_power_limit.0.1 page_timeout"},
+        {"kes set X front_end_loss 5 max_acl_links 400", 1, "X: note: max_acl_links takes 1 to 7"},
+        {"kes set X front_end_loss 5 local_name Box --device eeprom", 1,
+         "X: note: the shell takes quotes away"},
+        {"kes set X max_acl_links '4 /* b'", 1, "X: error: max_acl_links = 4 /* b is refused: it opens a"},
+        {"kes set X page_timeout 4", 1, "X: error: page_timeout = 4 is refused"},
+        {"kes set X max_acl_links 4 0x1005=5", 2, "0x1005 is given twice"},
+        {"kes set X max_acl_links 5 nobody=1", 1, "has no key \"nobody\""},
+        {"kes add X max_acl_links 4", 1, "X: max_acl_links is there already, in bt eeprom 1: 3"},
+        {"kes unset X max_acl_links pin_code", 1, "X has no pin_code"},
+        {"kes set X pin_code '\"0\"'", 2, "pin_code could go to several places"},
+        {"kes set X max_acl_links 4 -n"},
+    };
+    const TempFolder folder;
+    const char* const begin =
+        "rm -rf c; kes convert f c/ && kes device create --force kld:k --size 32K && kes convert f kld:k";
+    for (const auto& row : rows) {
+        folder.Write("f", text);
+        ASSERT_EQ(RunShell(folder, begin).code, 0);
+        for (const std::string config : {"f", "c/", "kld:k"}) {
+            const std::string line = Replaced(row.line, "X", config);
+            const Outcome outcome = RunShell(folder, line);
+            EXPECT_EQ(outcome.code, row.code) << line << "\n" << outcome.err;
+            EXPECT_TRUE(Holds(outcome.err, Replaced(row.message, "X", config))) << line << outcome.err;
+            EXPECT_EQ(outcome.err.empty(), row.code == 0) << line << outcome.err;
+            EXPECT_EQ(Holds(outcome.out, "-max_acl_links = 3"), Holds(line, " -n")) << line << outcome.out;
+            EXPECT_EQ(RunShell(folder, "kes diff f " + config).out, "") << line;
+        }
+    }
+    EXPECT_EQ(RunShell(folder, "kes set c/ max_acl_links 4 -o d").code, 2);
+    EXPECT_EQ(RunShell(folder, "kes set kld:k max_acl_links 4 --create").code, 2);
+}
+
 TEST(Edit, WritesWhereItIsTold) {
     const TempFolder folder;
     const std::string text = folder.Write("f", LINKS);

@@ -3,8 +3,10 @@
 
 #include "support/Files.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -104,8 +106,8 @@ TEST_F(Reading, AnswersInTextOnStandardOutputAlone) {
         {"kes diff f g --store 1 --subsystem wlan", 0, "", WARNINGS},
         {"kes diff --defaults g --subsystem wlan", 1, "~ wlan eeprom 1: tx_power_limit.0.1 = 70 -> 5\n"},
         {"kes diff - -", 2, "", "standard input can be given once"},
-        {"kes diff g", 2, "", "two texts are compared"},
-        {"kes diff g g --defaults", 2, "", "--defaults takes one text"},
+        {"kes diff g", 2, "", "two configurations are compared"},
+        {"kes diff g g --defaults", 2, "", "--defaults takes one configuration"},
         {"kes defaults tx_power_limit.0.1 max_acl_links", 0,
          "SUBSYSTEM  KEY                 VALUE\nwlan       tx_power_limit.0.1  70\nbt         max_acl_links  "
          "     7\n"},
@@ -178,6 +180,78 @@ TEST_F(Reading, AnswersInJson) {
         "indexes": [0, 1], "key": "tx_power_limit.0.1", "value": "70"})"));
 }
 
+std::string SortedLines(const std::string& text) {
+    std::multiset<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) lines.insert(line);
+    std::string sorted;
+    for (const std::string& line : lines) sorted += line + "\n";
+    return sorted;
+}
+
+/// What chunk files and devices hold is told as of a text, but for the order of their places.
+TEST_F(Reading, AllKindsTellTheSame) {
+    const char* lines[] = {"kes get X front_end_loss",
+                           "kes get X 0x1005 front_end_loss 4480 --subsystem bt --store 1",
+                           "kes get X local_name",
+                           "kes get X lost_links",
+                           "kes list X",
+                           "kes list X --changed --subsystem bt",
+                           "kes list X --json | sed 's/\"file\".*//;s/,$//'",
+                           "kes raw X",
+                           "kes diff X f 2>/dev/null",
+                           "kes diff X --defaults",
+                           "kes check X",
+                           "kes diff g X"};
+    ASSERT_EQ(Run("kes convert g chunks/ && kes device create kld:k --size 16K && kes convert g kld:k").code,
+              0);
+    for (const std::string line : lines) {
+        const Outcome text = Run(Replaced(line, "X", "g"));
+        for (const std::string config : {"chunks", "chunks:chunks", "kld:k"}) {
+            const Outcome other = Run(Replaced(line, "X", config));
+            EXPECT_EQ(other.code, text.code) << config << ": " << line << other.err;
+            EXPECT_EQ(SortedLines(other.out), SortedLines(text.out)) << config << ": " << line;
+            EXPECT_EQ(other.err, Replaced(text.err, "g:", config + ":"));
+        }
+    }
+    EXPECT_TRUE(Holds(Run("kes stores chunks").out, "\neeprom  4      1     bt\n"));
+    const Json store = Document("kes stores kld:k")["results"][0];
+    EXPECT_GT(store["size"], store["free"]);
+}
+
+TEST_F(Reading, WhatDoesNotLoadIsAFailureWithItsReason) {
+    folder.Write("none", "no image");
+    std::filesystem::create_directory(folder / "empty.d");
+    ASSERT_EQ(Run("kes convert g chunks/ && echo x >>chunks/bt-eeprom-0004.kcf").code, 0);
+    const struct {
+        const char* config;
+        int check;
+        const char* message;
+    } rows[] = {{"kld:none", 1, "kld:none: error: "},
+                {"kld:missing", 3, "kld:missing: error: unable to open the file: missing: No such file"},
+                {"empty.d", 1, "empty.d: error: Folder does not contain readable *.kcf files."},
+                {"missing/", 3, "missing/: "},
+                {"chunks", 1, "bt-eeprom-0004.kcf"}};
+    for (const auto& row : rows) {
+        const std::string config = row.config;
+        const Outcome checked = Run("kes check " + config);
+        EXPECT_EQ(checked.code, row.check) << checked.err;
+        EXPECT_TRUE(Holds(checked.err, row.message)) << checked.err;
+        Json document = Json::parse(Run("kes check --json " + config).out);
+        EXPECT_EQ(document["results"][0]["exit"], row.check) << config;
+        EXPECT_EQ(document["results"][0]["errors"].size(), 1U) << config;
+        document = Json::parse(Run("kes check --format=sarif " + config).out);
+        const Json& run = document["runs"][0];
+        EXPECT_EQ(run["results"].size() + run["invocations"][0].count("toolExecutionNotifications"), 1U);
+        for (const char* line : {"kes list ", "kes raw ", "kes stores ", "kes diff g "}) {
+            const Outcome outcome = Run(line + config);
+            EXPECT_EQ(outcome.code, 3) << line << config;
+            EXPECT_EQ(outcome.out, "") << line << config;
+            EXPECT_TRUE(Holds(outcome.err, row.message)) << line << outcome.err;
+        }
+    }
+}
+
 /// Each row of the text forms has its record in the other form, over the largest example.
 TEST_F(Reading, TextAndJsonTellTheSame) {
     const std::string file = "'" + EXAMPLE_FOLDER + "/headunit-production.ktf'";
@@ -217,21 +291,41 @@ TEST_F(Reading, ExitCodesAreThoseOfTheTable) {
     } rows[] = {
         {0,
          {"kes get g front_end_loss", "kes set g front_end_loss 8", "kes diff g g", "kes stores g",
-          "kes set f max_acl_links 4"}},
+          "kes set f max_acl_links 4", "kes convert g made/", "kes device create kld:k --size 16K",
+          "kes convert made/ kld:k", "kes device info kld:k",
+          "kes device create-store kld:k --device smem --store 1 --size 256"}},
         {1,
          {"kes get g lost_links", "kes set g max_acl_links 9", "kes add g max_acl_links 3",
           "kes unset g lost_links", "kes diff g f", "kes diff g --defaults", "kes defaults lost_links",
-          "kes set g nobody 1"}},
+          "kes set g nobody 1", "kes convert f made/", "kes device create kld:k --size 16K",
+          "kes device info eeprom:k", "kes device create-store kld:k --device smem --store 1 --size 256"}},
         {2,
          {"kes get g", "kes set g max_acl_links", "kes list g --nothing", "kes list g --subsystem none",
-          "kes raw g --chip none", "kes stores", "kes diff g", "kes unset g max_acl_links --store x"}},
+          "kes raw g --chip none", "kes stores", "kes diff g", "kes unset g max_acl_links --store x",
+          "kes convert g", "kes convert g made/ --merge", "kes device info g", "kes device create kld:k"}},
         {3,
-         {"kes get none lost_links", "kes list none", "kes raw .", "kes stores none", "kes diff g none",
-          "kes set none lost_links 1", "kes list g --db none", "kes defaults --plugins .",
-          "kes list g >/dev/full", "kes list g >&-", "kes get g front_end_loss --json >/dev/full",
-          "kes diff f g >/dev/full", "kes set g front_end_loss 9 -n >/dev/full",
-          "kes set - front_end_loss 9 <g >/dev/full", "kes stores g >&-", "kes defaults >/dev/full",
-          "kes raw g >&-"}},
+         {"kes get none lost_links",
+          "kes list none",
+          "kes raw .",
+          "kes stores none",
+          "kes diff g none",
+          "kes set none lost_links 1",
+          "kes list g --db none",
+          "kes defaults --plugins .",
+          "kes list g >/dev/full",
+          "kes list g >&-",
+          "kes get g front_end_loss --json >/dev/full",
+          "kes diff f g >/dev/full",
+          "kes set g front_end_loss 9 -n >/dev/full",
+          "kes set - front_end_loss 9 <g >/dev/full",
+          "kes stores g >&-",
+          "kes defaults >/dev/full",
+          "kes raw g >&-",
+          "kes convert none made/",
+          "kes convert g kld:none",
+          "kes convert g - >/dev/full",
+          "kes device info kld:none",
+          "kes device info kld:k >/dev/full"}},
         {4,
          {"kes get g eir_data", "kes get f lost_links", "kes get g local_name --json",
           "kes get - local_name <g"}},

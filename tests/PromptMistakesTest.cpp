@@ -40,7 +40,7 @@ TEST(PromptMistakes, MessagesSayWhatWasMeant) {
         {{"set", file, "tx_power_correction.79", "1"}, 1, "channel is 0 to 78\n"},
         {{"hlp", "set"}, 2, "unknown command \"hlp\", did you mean help?\nsee kes --help\n"},
         {{"metadata", "buld"}, 2, "unknown command \"buld\", did you mean build?\nsee kes metadata --help\n"},
-        {{"diff", file}, 2, "two texts are compared, or one with --defaults\n"},
+        {{"diff", file}, 2, "two configurations are compared, or one with --defaults\n"},
     };
     for (const Case& mistake : cases) {
         const Outcome outcome = RunKes(mistake.words);

@@ -120,8 +120,9 @@ void AddConvert(CLI::App& app, Globals& globals) {
         "FROM is loaded whole or not at all, and what was written is loaded again and compared. A text is "
         "written as \"kes rewrite\" does. Chunk files that TO has and FROM does not are removed. A device is "
         "made by \"kes device create\". On isp the store sets that FROM has no place in stay as they are.\n"
-        "Exit code: 0 done, 1 FROM has errors, or TO cannot hold it, 2 wrong usage, 3 a file, database or "
-        "plug-in failed.");
+        "Exit code: 0 done, 1 FROM has errors, or TO is not for it, 2 wrong usage, 3 the device is full, or "
+        "a "
+        "file, database or plug-in failed.");
     command->callback(
         [&globals, options] { globals.run = [&globals, options] { return Run(globals, *options); }; });
 }

@@ -159,7 +159,7 @@ int CreateStore(const Globals& globals, const DeviceOptions& options) {
 }
 
 void AddDeviceOption(CLI::App& command, DeviceOptions& options) {
-    command.add_option("DEVICE", options.device, DEVICE_HELP)->required();
+    command.add_option("IMAGE", options.device, DEVICE_HELP)->required();
 }
 
 void AddCreate(CLI::App& device, Globals& globals) {
@@ -227,8 +227,8 @@ void AddCreateStore(CLI::App& device, Globals& globals) {
     AddExamples(*command, {{"kes device create-store kld:board.img --device smem --store 4 --size 2K",
                             "Make a store"}});
     command->footer(
-        "Exit code: 0 done, 1 the device refuses it: the store is there, or there is no room, 2 wrong usage, "
-        "3 "
+        "Exit code: 0 done, 1 the store is there already, or cannot be, 2 wrong usage, 3 the device is full, "
+        "or "
         "the file or a plug-in failed.");
     command->callback([&globals, options] {
         globals.run = [&globals, options] { return CreateStore(globals, *options); };

@@ -33,7 +33,8 @@ constexpr struct {
     Source source;
 } SOURCES[] = {{"CHIP", Source::CHIPS},     {"SUBSYSTEM", Source::SUBSYSTEMS}, {"DEVICE", Source::DEVICES},
                {"KEY", Source::KEYS},       {"COMMAND", Source::COMMANDS},     {"DIR", Source::FOLDERS},
-               {"CONFIG", Source::CONFIGS}, {"PATTERN", Source::NOTHING},      {"VALUE", Source::NOTHING},
+               {"CONFIG", Source::CONFIGS}, {"FROM", Source::CONFIGS},         {"TO", Source::CONFIGS},
+               {"IMAGE", Source::CONFIGS},  {"PATTERN", Source::NOTHING},      {"VALUE", Source::NOTHING},
                {"TEXT", Source::NOTHING},   {"INT", Source::NOTHING},          {"UINT", Source::NOTHING}};
 
 /// "subsystem" and "KEY=VALUE" as the table has them.
