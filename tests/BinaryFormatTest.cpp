@@ -10,11 +10,10 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <regex>
+#include <sstream>
 
 using namespace KesTest;
 
@@ -110,18 +109,18 @@ Places ShowModel(const CChipConfig& config) {
 
 std::string SystemOf(const std::string& text) {
     const std::string content = KesTest::ReadFile(text);
-    std::smatch match;
-    std::regex_search(content, match, std::regex("version=(\\w+)"));
-    return match.str(1);
+    const std::size_t begin = content.find("version=") + 8;
+    return content.substr(begin, content.find('\n', begin) - begin);
 }
 
 /// The model that the text reader makes of a text.
 Places ModelOf(const std::string& text) {
-    std::ifstream stream(text);
+    std::stringstream stream(KesTest::ReadFile(text));
+    std::iostream* const input = &stream;
     const std::unique_ptr<IMetadataProvider> provider(
         CMetadataProviderFactory::Ref().Create("sqlite", EXAMPLE_DATABASE));
     const std::unique_ptr<IConfigReader> reader(
-        CReaderWriterFactory::Ref().CreateReader("KesText", {}, &stream));
+        CReaderWriterFactory::Ref().CreateReader("KesText", {}, input));
     CChipConfig config;
     reader->SetMetadataProvider(provider.get());
     reader->SetObserver(&config);

@@ -22,13 +22,6 @@ namespace fs = std::filesystem;
 
 using Files = std::map<std::string, std::string>;
 
-Files FilesOf(const std::string& folder) {
-    Files files;
-    for (const auto& entry : fs::directory_iterator(folder))
-        files[entry.path().filename()] = KesTest::ReadFile(entry.path());
-    return files;
-}
-
 void LoadPlugins() { CReaderWriterFactory::Ref().Load(KES_TEST_PLUGIN_DIR); }
 
 bool Save(CChipConfig& config, const std::string& folder, IMetadataProvider& provider = TextKeys()) {

@@ -18,13 +18,6 @@ namespace fs = std::filesystem;
 
 using Files = std::map<std::string, std::string>;
 
-Files FilesOf(const std::string& folder) {
-    Files files;
-    for (const auto& entry : fs::directory_iterator(folder))
-        if (entry.is_regular_file()) files[entry.path().filename()] = KesTest::ReadFile(entry.path());
-    return files;
-}
-
 class ChunkFolder : public HostSession {
 protected:
     ChunkFolder() : mFacade(EXAMPLE_DATABASE) {

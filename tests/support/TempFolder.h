@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <string>
 #include <unistd.h>
 
@@ -38,6 +39,15 @@ private:
 inline std::string ReadFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// The files of a folder with their contents, by name.
+inline std::map<std::string, std::string> FilesOf(const std::string& folder) {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.is_regular_file()) files[entry.path().filename()] = ReadFile(entry.path());
+    }
+    return files;
 }
 
 }  // namespace KesTest
