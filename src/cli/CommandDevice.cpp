@@ -47,7 +47,7 @@ constexpr const char* DEVICE_HELP = "The device: eeprom:, isp: or kld: and its i
 constexpr const char* SIZE_HELP = "In bytes; K or M behind the number stands for 1024 or 1024 * 1024 of them";
 
 ConfigSource DeviceOf(const DeviceOptions& options) {
-    const ConfigSource source(options.device);
+    ConfigSource source(options.device);
     if (source.IsDevice()) return source;
     throw Failure(EXIT_USAGE, "\"" + options.device + "\" is no device: eeprom:, isp: or kld: and its image");
 }

@@ -99,10 +99,10 @@ Json InfoDocument(const std::string& device, const ImageInfo& info) {
 
 void PrintInfo(const Json& document) {
     const bool anyChip = document["chip"] == 0;
-    const bool anySystem = document["system"] == "";
+    const std::string system = document["system"];
     std::cout << "family " << document["family"].get<std::string>() << ", chip "
               << (anyChip ? "any" : document["chip"].dump()) << ", system "
-              << (anySystem ? "any" : document["system"].get<std::string>()) << '\n'
+              << (system.empty() ? "any" : system) << '\n'
               << document["size"] << " bytes, I2C mask " << document["i2c_mask"] << ", resets asked for "
               << document["resets"] << "\n\n";
     Table memories({"MEMORY", "SIZE", "FREE"});

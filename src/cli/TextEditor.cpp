@@ -14,7 +14,6 @@ namespace kes::cli {
 namespace {
 
 using VemoKesConfigTools::TextChange;
-using VemoKesConfigTools::TextPlace;
 
 // A text is read as it was, for its index, and as it is after the change.
 constexpr std::uint64_t ROUNDS = 3;
