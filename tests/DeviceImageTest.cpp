@@ -354,7 +354,8 @@ TEST_F(DeviceImages, TheDocumentShowsARealOne) {
     for (std::string line; std::getline(document, line);) {
         constexpr std::size_t ROW = 3 + 1 + 16 * 3;
         // An offset of three digits, two blanks, bytes.
-        if (line.find_first_not_of("0123456789abcdef") == 3 && line.size() >= ROW && line.substr(3, 2) == "  ")
+        if (line.find_first_not_of("0123456789abcdef") == 3 && line.size() >= ROW &&
+            line.substr(3, 2) == "  ")
             documented += line.substr(0, ROW) + "\n";
     }
     EXPECT_EQ(documented, rows);
