@@ -106,8 +106,6 @@ TEST(ChunkFiles, GiveBackEveryKeyAndValue) {
     EXPECT_EQ(config.FirstDifference(loaded).value_or("same"), "same") << "a second time nothing is doubled";
 }
 
-constexpr const char* CORRUPT = "0 error converting data from or to a binary [the input seems corrupt]: ";
-
 /// One chunk file of a place with these records.
 std::string ChunkOf(const std::string& records, std::uint32_t keys = 1,
                     const std::string& system = "sys_1_0") {
@@ -115,6 +113,50 @@ std::string ChunkOf(const std::string& records, std::uint32_t keys = 1,
 }
 
 std::string Bytes(std::initializer_list<int> values) { return {values.begin(), values.end()}; }
+
+/// A field that was given raw, and so need not be what the metadata asks for, must be marked as such.
+TEST(ChunkFiles, GiveBackStructsWithRawFields) {
+    MemoryProvider provider;
+    provider.AddSubsystem("audio");
+    provider.AddChip("sys_1_0", "70");
+    const auto& blob = provider.Field("blob", "octet_string").Range(1, 3);
+    const auto& words = provider.Field("words", "uint16").Range(0, 9).Array(1, 2);
+    const auto& mode = provider.Field("mode", "MODE").Enum({{"MODE_A", 0}, {"MODE_B", 1}});
+    provider.Key(1, "all", "ALL").Struct({{&blob, 24}, {&words, 32}, {&mode, 8}});
+    const TempFolder folder;
+    const auto comesBack = [&](CChipConfig& config, const std::string& what) {
+        ASSERT_TRUE(Save(config, folder / "chunks", provider)) << Messages::LastError();
+        CChipConfig loaded;
+        EXPECT_EQ(LoadInto(loaded, folder / "chunks/audio-eeprom-0001.kcf", provider), "") << what;
+        EXPECT_EQ(Dump(loaded), Dump(config)) << what;
+        const Files files = FilesOf(folder / "chunks");
+        ASSERT_TRUE(Save(loaded, folder / "chunks", provider));
+        EXPECT_EQ(FilesOf(folder / "chunks"), files) << what;
+    };
+    for (const char* value : {
+             "{[01 02], {1, 2}, MODE_B}",
+             "{% [01 02 03 04] %, {1}, MODE_A}",
+             "{[01], {% 300 %, 2}, % 7 %}",
+             "{% 1 %, {% [01] %}, MODE_A}",
+         }) {
+        CChipConfig config;
+        CKesContext context = OverwriteContext();
+        const std::string text = std::string("file=audio1\nall=") + value + "\n";
+        ASSERT_EQ(Read(text, config, context, provider).findings, "") << value;
+        comesBack(config, value);
+    }
+    // What no text can say: raw composites without items, and such of a form that the field does not have.
+    const std::string good = Bytes({8, 1, 7}) + Bytes({0x15, 1, 5, 1});
+    for (const std::string& last : {Bytes({0x3A, 0}), Bytes({0x38, 0}), Bytes({0x39, 1, 4, 1}),
+                                    Bytes({0x38, 1, 8, 1, 65}), Bytes({0x3A, 1, 0x19, 0})}) {
+        CChipConfig config;
+        const std::string chunk = ChunkOf(Bytes({0, 1, 1, 0x19, 3}) + good + last);
+        ASSERT_EQ(LoadInto(config, folder.Write("made.kcf", chunk), provider), "");
+        comesBack(config, DumpBytes(last));
+    }
+}
+
+constexpr const char* CORRUPT = "0 error converting data from or to a binary [the input seems corrupt]: ";
 
 TEST(ChunkFiles, AreRefusedWholeWhenTheyAreDamaged) {
     const TempFolder folder;

@@ -103,11 +103,13 @@ void CheckCount(std::size_t count, const IMetadata& metadata) {
         Refuse("must have " + Range(lo, hi) + " items, " + std::to_string(count) + " found");
 }
 
+PayloadTypeEnum ArrayTypeOf(const IMetadata& metadata) {
+    if (metadata.MetadataType() == METADATA_TYPE_STRUCT) return PAYLOAD_TYPE_STRUCT;
+    return IntegerTypeOf(metadata.TypeName()).value_or(PAYLOAD_TYPE_STRING);
+}
+
 void CheckArray(PayloadTypeEnum type, std::size_t count, const IMetadata& metadata) {
-    const bool isStruct = metadata.MetadataType() == METADATA_TYPE_STRUCT;
-    const PayloadTypeEnum items =
-        isStruct ? PAYLOAD_TYPE_STRUCT : IntegerTypeOf(metadata.TypeName()).value_or(PAYLOAD_TYPE_STRING);
-    if (type != items) RefuseType(metadata);
+    if (type != ArrayTypeOf(metadata)) RefuseType(metadata);
     CheckCount(count, metadata);
 }
 

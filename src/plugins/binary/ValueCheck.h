@@ -18,6 +18,8 @@ class IMetadata;
 void CheckLeaf(IPayload& payload, const IMetadata& metadata, const CStructField* field);
 /// How many values a key may have.
 void CheckCount(std::size_t count, const IMetadata& metadata);
+/// The type of an array that is a field of a struct.
+PayloadTypeEnum ArrayTypeOf(const IMetadata& metadata);
 /// An array that is a field of a struct: the type of its items, and how many they are.
 void CheckArray(PayloadTypeEnum type, std::size_t count, const IMetadata& metadata);
 /// A struct: gives its fields, which are as many as the values.

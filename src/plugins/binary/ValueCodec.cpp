@@ -31,21 +31,13 @@ const FieldList* FieldsOf(const IMetadata* metadata) {
     return detail == nullptr ? nullptr : &detail->Fields();
 }
 
-bool HasNoMetadata(const IPayload& payload) {
-    const auto* user = dynamic_cast<const IMetadataUser*>(&payload);
-    return user == nullptr || user->Metadata() == nullptr;
-}
-
-/// Whether a value within a struct was given raw: strings never carry metadata, whatever else has none was.
-bool IsRawField(const IPayload& payload, const IMetadata* field) {
-    if (field == nullptr) return false;
-    if (const auto* composite = dynamic_cast<const CComplexPayload*>(&payload)) {
-        return composite->Type() != PAYLOAD_TYPE_STRUCT &&
-               std::ranges::any_of(composite->GetFields(),
-                                   [&](const IPayload* item) { return IsRawField(*item, field); });
-    }
-    if (payload.Type() == PAYLOAD_TYPE_STRING) return field->TypeName() != STR_OCTET_STRING;
-    return HasNoMetadata(payload);
+/// Whether a value within a struct was given raw: it is not what its field asks for.
+bool IsRawField(const IPayload& payload, const IMetadata& field) {
+    const auto* composite = dynamic_cast<const CComplexPayload*>(&payload);
+    if (composite == nullptr || composite->Metadata() != nullptr) return WasGivenRaw({&payload}, field);
+    // An array has no metadata of its own, its items have.
+    if (!field.IsArray() || composite->Type() != ArrayTypeOf(field)) return true;
+    return WasGivenRaw({composite->GetFields().begin(), composite->GetFields().end()}, field);
 }
 
 template <typename T>
@@ -53,26 +45,23 @@ T Value(const IPayload& payload) {
     return *static_cast<const T*>(payload.RawData());
 }
 
-void AppendValue(ByteWriter& bytes, const IPayload& payload, const IMetadata* metadata, bool raw);
+void AppendValue(ByteWriter& bytes, const IPayload& payload, bool raw);
 
-void AppendComposite(ByteWriter& bytes, const CComplexPayload& composite, const IMetadata* metadata) {
+void AppendComposite(ByteWriter& bytes, const CComplexPayload& composite) {
     const std::vector<IPayload*>& items = composite.GetFields();
-    const FieldList* fields = composite.Metadata() != nullptr ? FieldsOf(composite.Metadata()) : nullptr;
+    const FieldList* fields = FieldsOf(composite.Metadata());
     const bool known = fields != nullptr && fields->size() == items.size();
     bytes.Number(items.size());
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        // The items of an array all have the metadata of its field.
-        const IMetadata* item = known ? (*fields)[i]->Metadata() : fields == nullptr ? metadata : nullptr;
-        AppendValue(bytes, *items[i], item, IsRawField(*items[i], item));
-    }
+    for (std::size_t i = 0; i < items.size(); ++i)
+        AppendValue(bytes, *items[i], known && IsRawField(*items[i], *(*fields)[i]->Metadata()));
 }
 
-void AppendValue(ByteWriter& bytes, const IPayload& payload, const IMetadata* metadata, bool raw) {
+void AppendValue(ByteWriter& bytes, const IPayload& payload, bool raw) {
     const auto* composite = dynamic_cast<const CComplexPayload*>(&payload);
     const auto tag =
         static_cast<std::uint8_t>(payload.Type() | (composite != nullptr ? COMPOSITE : 0) | (raw ? RAW : 0));
     bytes.Fixed(tag);
-    if (composite != nullptr) return AppendComposite(bytes, *composite, metadata);
+    if (composite != nullptr) return AppendComposite(bytes, *composite);
     switch (payload.Type()) {
         case PAYLOAD_TYPE_INT8:
             return bytes.Signed(Value<std::int8_t>(payload));
@@ -210,7 +199,7 @@ void AppendValues(ByteWriter& bytes, const std::vector<const IPayload*>& payload
     // What was unknown when it was written may be known to the reader; it was never held against anything.
     const bool raw = !metadata.IsValid() || WasGivenRaw(payloads, metadata);
     bytes.Number(payloads.size());
-    for (const IPayload* payload : payloads) AppendValue(bytes, *payload, nullptr, raw);
+    for (const IPayload* payload : payloads) AppendValue(bytes, *payload, raw);
 }
 
 PayloadList::~PayloadList() {
