@@ -223,11 +223,14 @@ TEST(Edit, AllKindsAreChangedAlike) {
         {"kes set X max_acl_links 4 -n"},
     };
     const TempFolder folder;
-    const char* const begin =
-        "rm -rf c; kes convert f c/ && kes device create --force kld:k --size 32K && kes convert f kld:k";
+    folder.Write("before.f", text);
+    ASSERT_EQ(RunShell(folder,
+                       "kes convert before.f before.c/ && kes device create kld:before.k --size 32K && "
+                       "kes convert before.f kld:before.k")
+                  .code,
+              0);
     for (const auto& row : rows) {
-        folder.Write("f", text);
-        ASSERT_EQ(RunShell(folder, begin).code, 0);
+        ASSERT_EQ(RunShell(folder, "rm -rf c; cp before.f f && cp -r before.c c && cp before.k k").code, 0);
         for (const std::string config : {"f", "c/", "kld:k"}) {
             const std::string line = Replaced(row.line, "X", config);
             const Outcome outcome = RunShell(folder, line);
