@@ -145,7 +145,9 @@ DecodedPlace DecodePlace(const EncodedPlace& encoded, IMetadataProvider& provide
     for (std::uint32_t i = 0; i < encoded.keyCount; ++i) {
         RecordHead head = ReadHead(bytes, encoded.records);
         const IMetadata& metadata = provider.MetadataByPsid(head.psid, context, true);
-        decoded.keys.push_back({DecodeKey(head, bytes, metadata), head.another});
+        DecodedPlace::Key& key = decoded.keys.emplace_back();
+        key.element = DecodeKey(head, bytes, metadata);
+        key.another = head.another;
     }
     bytes.ExpectEnd();
     return decoded;

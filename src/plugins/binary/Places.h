@@ -55,7 +55,7 @@ struct KeyRecord {
 };
 
 /// Appends a place block: place, number of keys, size of the records, records.
-void AppendPlace(std::string& bytes, const EncodedPlace& place);
+void AppendPlace(std::string& bytes, const EncodedPlace& encoded);
 /// Reads a place block, without looking into the records. Throws `Refusal`.
 EncodedPlace ReadPlace(ByteReader& bytes);
 
@@ -74,7 +74,7 @@ void SetPlace(CKesContext& context, const BinaryPlace& place);
 
 /// Makes elements of the records of a place. What the metadata knows uses it and must hold against it as a
 /// text must; what it does not know is taken as it is. The context is set to the place. Throws `Refusal`.
-DecodedPlace DecodePlace(const EncodedPlace& place, IMetadataProvider& provider, CKesContext& context);
+DecodedPlace DecodePlace(const EncodedPlace& encoded, IMetadataProvider& provider, CKesContext& context);
 
 /// The words for a place in messages: "bt, eeprom, store 3".
 std::string Describe(const BinaryPlace& place);
