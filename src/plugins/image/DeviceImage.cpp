@@ -55,25 +55,22 @@ DeviceImage::DeviceImage(const std::string& path, ImageFile::Access access, Imag
     }
 }
 
-std::string DeviceImage::ReadBank(const StoreRecord& store, std::uint32_t half) const {
+std::optional<std::string> DeviceImage::CurrentIn(const StoreRecord& store, std::uint32_t half) const {
     const std::uint32_t offset =
         IsOneTime(store) ? store.offset + store.current : store.BankOffset(half, store.current);
-    return mFile.Read(offset, std::uint64_t{store.length} + BANK_OVERHEAD);
-}
-
-bool DeviceImage::HoldsCurrent(const StoreRecord& store, std::uint32_t half) const {
-    const std::string bytes = ReadBank(store, half);
+    const std::string bytes = mFile.Read(offset, std::uint64_t{store.length} + BANK_OVERHEAD);
     const FoundBank bank = LookAtBank(bytes);
-    return bank.isWhole && bank.sequence == store.sequence && bank.content.size() == store.length &&
-           Crc32(bank.content) == store.crc;
+    const bool isCurrent = bank.isWhole && bank.sequence == store.sequence &&
+                           bank.content.size() == store.length && Crc32(bank.content) == store.crc;
+    return isCurrent ? std::optional(std::string(bank.content)) : std::nullopt;
 }
 
 std::string DeviceImage::Content(std::size_t position) const {
     const StoreRecord& store = mDirectory.stores.at(position);
     if (store.sequence == 0) return EncodeContent({});
     const std::string name = NameOfStore(mHeader.family, store);
-    const bool first = HoldsCurrent(store, 0);
-    const bool second = store.paired && HoldsCurrent(store, 1);
+    std::optional<std::string> first = CurrentIn(store, 0);
+    std::optional<std::string> second = store.paired ? CurrentIn(store, 1) : std::nullopt;
     if (!first && !second) throw Refusal(STR_PACKINT_ERROR, name + " is damaged");
     if (store.paired && !(first && second)) {
         CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, "DeviceImage::Content", false)
@@ -81,12 +78,13 @@ std::string DeviceImage::Content(std::size_t position) const {
                           mPath + ": " + name + ": half " + (first ? "1" : "0") +
                               " of the pair is damaged, the other one is used");
     }
-    return ReadBank(store, first ? 0 : 1).substr(BANK_OVERHEAD - sizeof store.crc, store.length);
+    return std::move(first ? *first : *second);
 }
 
 bool DeviceImage::NeedsRepair(std::size_t position) const {
     const StoreRecord& store = mDirectory.stores.at(position);
-    return store.sequence != 0 && store.paired && HoldsCurrent(store, 0) != HoldsCurrent(store, 1);
+    return store.sequence != 0 && store.paired &&
+           CurrentIn(store, 0).has_value() != CurrentIn(store, 1).has_value();
 }
 
 std::string DeviceImage::ReadArea(const StoreRecord& store) const {

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,8 +53,8 @@ private:
     bool IsOneTime(const StoreRecord& store) const {
         return mHeader.MemoryOf(store.device)->oneTimeProgrammable;
     }
-    std::string ReadBank(const StoreRecord& store, std::uint32_t half) const;
-    bool HoldsCurrent(const StoreRecord& store, std::uint32_t half) const;
+    /// The current content as a half holds it; none when it is damaged there.
+    std::optional<std::string> CurrentIn(const StoreRecord& store, std::uint32_t half) const;
     std::uint32_t NextSegment(const StoreRecord& store) const;
     void CheckRoom(const Change& change, const std::string& directory) const;
     void WriteBank(StoreRecord& store, std::string_view content);

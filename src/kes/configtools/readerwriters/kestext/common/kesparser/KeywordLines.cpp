@@ -6,6 +6,7 @@
 #include "kes/configtools/readerwriters/kestext/common/textparser/ReadNumber.h"
 #include "model/CKesContext.h"
 #include "model/CStoreInfo.h"
+#include "model/DeviceNames.h"
 #include "model/IConfigReaderObserver.h"
 #include "model/ISubsystemInfo.h"
 #include "util/misc/ignorecase.h"
@@ -30,25 +31,15 @@ constexpr NamedNumber SUBSYSTEMS[] = {
     {STR_SUBSYSTEM_PSAPPS, SUBSYSTEM_PSAPPS},   {STR_SUBSYSTEM_PSAUDIO, SUBSYSTEM_PSAUDIO},
 };
 
-constexpr NamedNumber DEVICES[] = {
-    {STR_DEVICE_ROM, IStoreManager::DEVICE_ROM},
-    {STR_DEVICE_OTP, IStoreManager::DEVICE_OTP},
-    {STR_DEVICE_SMEM, IStoreManager::DEVICE_SMEM},
-    {STR_DEVICE_MTP, IStoreManager::DEVICE_MTP},
-    {STR_STORESET_CUR_CFG_FS, IStoreManager::DEVICE_CUR_CFG},
-    {STR_STORESET_FW_CFG_FS, IStoreManager::DEVICE_FW_CFG},
-    {STR_DEVICE_EEPROM, IStoreManager::DEVICE_EEPROM},
-};
-
 constexpr CCharSet VERSION_ENDS(" \t\n");
 constexpr CCharSet HEX_STORE_CHARS("xX0123456789ABCDEFabcdef");
 constexpr std::uint16_t FILE_STORE_FIRST = 1;
 constexpr std::uint16_t FILE_STORE_LAST = 15;
 
-template <std::size_t N>
-std::int32_t NumberOf(const NamedNumber (&table)[N], std::string_view name) {
-    for (const NamedNumber& entry : table) {
-        if (EqualsIgnoringCase(entry.name, name)) return entry.number;
+template <typename Table>
+std::int32_t NumberOf(const Table& table, std::string_view name) {
+    for (const auto& [known, number] : table) {
+        if (EqualsIgnoringCase(known, name)) return number;
     }
     return -1;
 }
@@ -147,7 +138,7 @@ CParserError CKesParser::ParseSubsystem(std::string& name, CStoreAddress& place)
 
 /// device ::= "rom" | "otp" | "smem" | "mtp" | "cur_cfg" | "fw_cfg" | "eeprom"
 CParserError CKesParser::ParseDevice(CStoreAddress& place) {
-    place.mDevice = NumberOf(DEVICES, ReadUntilNotMatch(KEYWORD_CHARS));
+    place.mDevice = NumberOf(DEVICE_NAMES, ReadUntilNotMatch(KEYWORD_CHARS));
     return place.mDevice == -1 ? PE_UNKNOWN_DEVICE : PE_NONE;
 }
 
