@@ -11,11 +11,23 @@
 
 namespace VemoKesConfigTools {
 
-CElement::CElement(std::uint32_t psid, std::vector<IPayload*> payloads, bool changed)
-    : mPsid(psid), mValid(true), mChanged(changed), mPayloads(std::move(payloads)) {}
+CElement::CElement(std::uint32_t psid, std::span<IPayload* const> payloads, bool changed)
+    : mPsid(psid), mValid(true), mChanged(changed) {
+    if (payloads.size() == 1) {
+        mValues.one = payloads.front();
+    } else if (!payloads.empty()) {
+        mValues.many = new IPayload*[payloads.size()];
+        std::ranges::copy(payloads, mValues.many);
+    }
+    mCount = static_cast<std::uint32_t>(payloads.size());
+}
 
-CElement::~CElement() {
-    for (const IPayload* payload : mPayloads) delete payload;
+CElement::~CElement() { DeletePayloads(); }
+
+void CElement::DeletePayloads() {
+    for (const IPayload* payload : Payloads()) delete payload;
+    if (mCount > 1) delete[] mValues.many;
+    mCount = 0;
 }
 
 bool CElement::Write(IConfigWriter& writer, IConfigContext& context) {
@@ -24,15 +36,15 @@ bool CElement::Write(IConfigWriter& writer, IConfigContext& context) {
     writer.BeginElement(context);
     writer.WriteUid(mPsid, context);
     for (const std::uint32_t value : Indices()) writer.WriteHeaderInfo(index, &value, sizeof value, context);
-    for (IPayload* payload : mPayloads) payload->Write(writer, context);
+    for (IPayload* payload : Payloads()) payload->Write(writer, context);
     writer.EndElement(context);
     return CTheMsgHnd::ErrorsEver() == errorsBefore;
 }
 
 bool CElement::operator==(const CElement& other) const {
     return mValid == other.mValid && mPsid == other.mPsid && std::ranges::equal(Indices(), other.Indices()) &&
-           std::equal(mPayloads.begin(), mPayloads.end(), other.mPayloads.begin(), other.mPayloads.end(),
-                      [](const IPayload* left, const IPayload* right) { return *left == *right; });
+           std::ranges::equal(Payloads(), other.Payloads(),
+                              [](const IPayload* left, const IPayload* right) { return *left == *right; });
 }
 
 bool CElement::operator!=(const CElement& other) const { return !(*this == other); }
@@ -41,13 +53,13 @@ std::string CElement::KeyString() const { return MakeKeyString(mPsid, Indices())
 
 std::string CElement::ToString() const {
     std::string text = KeyString() + " =";
-    for (const IPayload* payload : mPayloads) text += " " + payload->ToString();
+    for (const IPayload* payload : Payloads()) text += " " + payload->ToString();
     return text;
 }
 
 std::uint32_t CElement::Size() const {
     auto size = static_cast<std::uint32_t>(Indices().size_bytes());
-    for (const IPayload* payload : mPayloads) size += payload->Length();
+    for (const IPayload* payload : Payloads()) size += payload->Length();
     return size;
 }
 
@@ -56,8 +68,7 @@ bool CElement::IsValid() const { return mValid; }
 bool CElement::HasChanged() const { return mChanged; }
 
 void CElement::ClearPayload() {
-    for (const IPayload* payload : mPayloads) delete payload;
-    mPayloads.clear();
+    DeletePayloads();
     mChanged = true;
 }
 

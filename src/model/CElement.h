@@ -19,7 +19,7 @@ public:
     /// The element that is not valid.
     CElement() = default;
     /// Takes over the payloads. `changed` tells that the element differs from what was read.
-    CElement(std::uint32_t psid, std::vector<IPayload*> payloads, bool changed);
+    CElement(std::uint32_t psid, std::span<IPayload* const> payloads, bool changed);
     CElement(const CElement&) = delete;
     CElement& operator=(const CElement&) = delete;
 
@@ -50,14 +50,24 @@ public:
     const IMetadata* Metadata() const override { return mpMetadata; }
 
     std::uint32_t PsId() const { return mPsid; }
-    const std::vector<IPayload*>& Payloads() const { return mPayloads; }
+    /// The values in order. Valid until the element changes or goes.
+    std::span<IPayload* const> Payloads() const {
+        return {mCount == 1 ? &mValues.one : mValues.many, mCount};
+    }
 
 private:
+    void DeletePayloads();
+
+    // A configuration holds very many elements, and most have one value: that one takes no list.
+    union {
+        IPayload* one;
+        IPayload** many;
+    } mValues{nullptr};
+    std::uint32_t mCount = 0;
     std::uint32_t mPsid = 0;
+    const IMetadata* mpMetadata = nullptr;
     bool mValid = false;
     bool mChanged = false;
-    std::vector<IPayload*> mPayloads;
-    const IMetadata* mpMetadata = nullptr;
 };
 
 /// The key string of a key number and its indexes.

@@ -2,15 +2,13 @@
 
 #include "messages/Export.h"
 #include "model/CKesContext.h"
+#include "model/CKeyTable.h"
 #include "model/IConfigReaderElementObserver.h"
 
 #include <cstdint>
 #include <list>
-#include <memory>
 #include <span>
-#include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace VemoKesConfigTools {
@@ -54,37 +52,20 @@ public:
     CElement* Find(std::uint32_t psid, std::span<const std::uint32_t> indices) const;
 
 private:
-    struct Key {
-        std::uint32_t psid;
-        std::span<const std::uint32_t> indices;
-    };
-    /// The elements of one key. The key is read off the first of them, so that it is not stored twice.
-    struct Slot {
-        ElementList::iterator first;
-        std::size_t hash;  ///< kept, so that no element has to be looked at to find another
-        mutable std::unique_ptr<std::vector<ElementList::iterator>> others;
-    };
-    struct SlotHash {
-        using is_transparent = void;
-        std::size_t operator()(const Key& key) const noexcept;
-        std::size_t operator()(const Slot& slot) const noexcept { return slot.hash; }
-    };
-    struct SlotEqual {
-        using is_transparent = void;
-        bool operator()(const Slot& left, const Slot& right) const noexcept;
-        bool operator()(const Key& left, const Slot& right) const noexcept;
-        bool operator()(const Slot& left, const Key& right) const noexcept { return (*this)(right, left); }
-    };
+    using Key = CKeyTable::Key;
+    using Positions = std::vector<ElementList::iterator>;
 
-    static Key KeyOf(const CElement& element);
-    static bool SameElements(const Slot& left, const Slot& right);
-    void DropOthers(const Slot& slot);
+    const Positions& OthersOf(ElementList::iterator first) const;
+    bool SameElements(ElementList::iterator mine, const CSubsystemConfig& other,
+                      ElementList::iterator theirs) const;
+    void DropOthers(ElementList::iterator first);
 
     CKesContext mContext;
     ElementList mElements;
-    std::unordered_set<Slot, SlotHash, SlotEqual> mSlots;
-    std::unordered_map<std::uint32_t, std::uint32_t>
-        mIndexedSlots;  ///< how many slots with indexes a psid has
+    CKeyTable mFirsts;
+    /// The further elements of keys that have several, by the entry of the first in the list.
+    std::unordered_map<const void*, Positions> mOthers;
+    std::unordered_map<std::uint32_t, std::uint32_t> mIndexedKeys;  ///< how many keys with indexes a psid has
 };
 
 }  // namespace VemoKesConfigTools

@@ -53,8 +53,7 @@ std::string NameOf(const RecordHead& head, const IMetadata& metadata) {
 
 std::unique_ptr<CElement> MakeElement(RecordHead& head, PayloadList payloads, const IMetadata& metadata) {
     auto element =
-        std::make_unique<CIndexedElement>(head.psid, metadata.IsValid() ? metadata.Name() : std::string(),
-                                          std::move(head.indices), payloads.Release(), false);
+        std::make_unique<CIndexedElement>(head.psid, std::string(), head.indices, payloads.Release(), false);
     element->Use(metadata.IsValid() ? metadata : CNullMetadata::Ref());
     return element;
 }

@@ -130,8 +130,9 @@ CParserError CParser::ReadValue(CValue& value, const CName& name) {
 }
 
 void CParser::Deliver(const CName& name, COwnedPayloads& payloads, const IMetadata& metadata) {
+    // The record tells the name; without one there is none.
     auto element =
-        std::make_unique<CIndexedElement>(name.mId, name.mKeyName, name.mIndices, payloads.List(), false);
+        std::make_unique<CIndexedElement>(name.mId, std::string(), name.mIndices, payloads.List(), false);
     payloads.Release();
     element->Use(metadata);
     // A line whose place nobody was told about has no taker for its element.
