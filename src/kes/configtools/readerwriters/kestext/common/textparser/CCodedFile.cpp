@@ -1,7 +1,5 @@
 #include "kes/configtools/readerwriters/kestext/common/textparser/CCodedFile.h"
 
-#include <algorithm>
-
 namespace VemoKesConfigTools {
 
 void CCodedFile::ReadAll(std::string& text) {
@@ -19,11 +17,11 @@ char CUTF8CodedFile::ReadChar() {
 
 void CUTF8CodedFile::ReadAll(std::string& text) {
     constexpr std::size_t BLOCK = 64UL * 1024UL;
-    // What the stream knows to have is read at once, and no room is made before more is seen to come, so that
-    // a large text is not moved as it grows.
+    // What the stream knows to have is read at once, and no room is made beyond it before more is seen to come,
+    // so that a large text is not moved as it grows, and a short one costs little.
     do {
         const std::streamsize known = mpStream->rdbuf()->in_avail();
-        const std::size_t block = std::max(BLOCK, known > 0 ? static_cast<std::size_t>(known) : 0);
+        const std::size_t block = known > 0 ? static_cast<std::size_t>(known) : BLOCK;
         const std::size_t before = text.size();
         text.resize(before + block);
         mpStream->read(text.data() + before, static_cast<std::streamsize>(block));
