@@ -77,6 +77,8 @@ public:
     void Use(const IMetadata& metadata) override { mpMetadata = &metadata; }
     const IMetadata* Metadata() const override { return mpMetadata; }
 
+    /// Makes room for this many fields in all.
+    void Reserve(std::size_t fields) { mFields.reserve(fields); }
     /// Appends a field and takes it over.
     void AddField(IPayload* field) { mFields.push_back(field); }
     /// The fields in the order in which they were added.

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <typeinfo>
 #include <utility>
 
 namespace VemoKesConfigTools {
@@ -75,6 +76,7 @@ bool CKesConfigReader::ReadStream(std::istream& stream, CKesContext& context) {
 
     const std::unique_ptr<CParser> parser(CreateParser(&source));
     pass.mpParser = static_cast<CKesParser*>(parser.get());
+    if (typeid(*parser) == typeid(CKesParser) && parser->Source() == &source) pass.mpParser->ReadPlainLines();
     Collected errors;
     mpObserver->OnReadStarted(*this, context);
     RunPass(*parser, file, errors);

@@ -10,6 +10,7 @@
 #include "model/CKesContext.h"
 #include "util/misc/ignorecase.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace VemoKesConfigTools {
@@ -27,7 +28,17 @@ constexpr TypeName INTEGER_TYPES[] = {
     {STR_INT32, KT_INT32},   {STR_INT64, KT_INT64},   {STR_INTEGER, KT_INTEGER},
 };
 
+constexpr CCharSet KEYWORD_STARTS("VFSDvfsd");
+
 }  // namespace
+
+const std::array<CKesParser::Keyword, 5> CKesParser::KEYWORDS = {{
+    {"version", &CKesParser::DecodeVersion, {}},
+    {"file", &CKesParser::DecodeFile, STR_STORE},
+    {"subsystem", &CKesParser::DecodeSubsystem, STR_SUBSYSTEM_TYPE},
+    {"device", &CKesParser::DecodeDevice, STR_DEVICE},
+    {"store", &CKesParser::DecodeStore, STR_STORE},
+}};
 
 CDelimiter* CKesParser::GetDelimiter() { return new CDelimiter(mpSource, "="); }
 
@@ -84,7 +95,10 @@ CValue* CKesParser::GetValue(KEYTYPE type) {
 }
 
 KEYTYPE CKesParser::KeyType(const IMetadata& metadata, bool checkArray) {
-    if (CRaw::Is(*mpSource)) return KT_RAW;
+    return CRaw::Is(*mpSource) ? KT_RAW : TypeOf(metadata, checkArray);
+}
+
+KEYTYPE CKesParser::TypeOf(const IMetadata& metadata, bool checkArray) {
     if (!metadata.IsValid()) return KT_UNKNOWN;
     if (checkArray && metadata.IsArray()) return KT_ARRAY;
     if (metadata.MetadataType() == METADATA_TYPE_STRUCT) return KT_STRUCT;
@@ -112,38 +126,33 @@ std::string CKesParser::GetErrorText(CParserError error) { return std::string(Pa
 
 CParserError CKesParser::ParseLine() {
     KESTEXT_TRACE(3, "CKesParser::ParseLine", "CKesParser - next line: %s", mpSource->PeekLine().c_str());
-    switch (mpSource->PeekChar() | 0x20) {
-        case 'v':
-            if (MatchesWord("version")) return ParseKeywordLine(&CKesParser::DecodeVersion, false, {});
-            break;
-        case 'f':
-            if (MatchesWord("file")) return ParseKeywordLine(&CKesParser::DecodeFile, true, STR_STORE);
-            break;
-        case 'd':
-            if (MatchesWord("device")) return ParseKeywordLine(&CKesParser::DecodeDevice, true, STR_DEVICE);
-            break;
-        case 's':
-            if (MatchesWord("subsystem")) {
-                return ParseKeywordLine(&CKesParser::DecodeSubsystem, true, STR_SUBSYSTEM_TYPE);
-            }
-            if (MatchesWord("store")) return ParseKeywordLine(&CKesParser::DecodeStore, true, STR_STORE);
-            break;
-        default:
-            break;
+    const CKesContext& context = *mpParseContext->mpConfigContext;
+    const bool hasPlace = context.HasPlace() && mpParseContext->mInfo.mSubsystem != -1;
+    if (CParserError result; mpPlain && hasPlace && ParsePlainLines(result)) return result;
+    if (KEYWORD_STARTS.Holds(static_cast<unsigned char>(mpSource->PeekChar()))) {
+        for (const Keyword& keyword : KEYWORDS) {
+            if (MatchesWord(keyword.word)) return ParseKeywordLine(keyword);
+        }
     }
-    if (mpParseContext->mpConfigContext->HasPlace()) return CParser::ParseLine();
-    return IncompletePlace();
+    return context.HasPlace() ? CParser::ParseLine() : IncompletePlace();
 }
 
-CParserError CKesParser::ParseKeywordLine(Decode decode, bool completes, std::string_view tag) {
+const CKesParser::Keyword* CKesParser::FindKeyword(std::string_view word) {
+    if (!KEYWORD_STARTS.Holds(static_cast<unsigned char>(word.front()))) return nullptr;
+    const auto* found = std::ranges::find_if(
+        KEYWORDS, [&](const Keyword& keyword) { return EqualsIgnoringCase(keyword.word, word); });
+    return found == KEYWORDS.end() ? nullptr : found;
+}
+
+CParserError CKesParser::ParseKeywordLine(const Keyword& keyword) {
     CKesContext& context = *mpParseContext->mpConfigContext;
-    CParserError result = (this->*decode)();
+    CParserError result = (this->*keyword.decode)();
     if (!result.Ok()) {
         // No key may land in a place that the text did not name.
-        if (!tag.empty()) context.SetTag(tag);
+        if (!keyword.tag.empty()) context.SetTag(keyword.tag);
         return result;
     }
-    if (completes && context.HasPlace()) result = SetSubsystem();
+    if (!keyword.tag.empty() && context.HasPlace()) result = SetSubsystem();
     return result.Ok() ? CheckEOL() : result;
 }
 

@@ -2,12 +2,16 @@
 
 #include "kes/configtools/readerwriters/kestext/common/textparser/CParser.h"
 
+#include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace VemoKesConfigTools {
 
+class CPlainCursor;
 class CStructField;
 
 /// The kind of value that a key has.
@@ -41,7 +45,10 @@ enum KEYTYPE : std::int32_t {
 ///   place ::= word [decimal]
 class CKesParser : public CParser {
 public:
-    CKesParser(CTextReader* source, CParseContext* context) : CParser(source, context) {}
+    CKesParser(CTextReader* source, CParseContext* context);
+    CKesParser(const CKesParser&) = delete;
+    CKesParser& operator=(const CKesParser&) = delete;
+    ~CKesParser() override;
 
     CDelimiter* GetDelimiter() override;
     CName* GetName() override;
@@ -67,16 +74,29 @@ public:
     /// The kind of value that the text here has, given the metadata of its key.
     KEYTYPE KeyType(const IMetadata& metadata, bool checkArray);
     CParserError KeyType(const std::string& name, KEYTYPE& type);
+    /// The kind of value that the metadata of a key asks for.
+    static KEYTYPE TypeOf(const IMetadata& metadata, bool checkArray);
+
+    /// From now on reads lines without a surprise straight from the text. Only for a parser of exactly this
+    /// class whose source is the usual chain of filters.
+    void ReadPlainLines();
 
 private:
+    struct PlainLines;
     struct SubsystemName {
         std::string name;
         std::string alias;
         std::int32_t type;  ///< -1 when the format has no such subsystem
     };
-    using Decode = CParserError (CKesParser::*)();
+    struct Keyword {
+        std::string_view word;
+        CParserError (CKesParser::*decode)();
+        std::string_view tag;  ///< loses its value when the line fails; none for a keyword of no place
+    };
+    static const std::array<Keyword, 5> KEYWORDS;
 
-    CParserError ParseKeywordLine(Decode decode, bool completes, std::string_view tag);
+    static const Keyword* FindKeyword(std::string_view word);
+    CParserError ParseKeywordLine(const Keyword& keyword);
     CParserError IncompletePlace();
     CParserError StartValue(std::size_t keywordLength);
     CParserError ParseFile(std::string& name, CStoreAddress& place);
@@ -85,6 +105,11 @@ private:
     CParserError ParseStore(CStoreAddress& place);
     bool SurelyNoPrefix();
     bool MatchesWord(std::string_view keyword);
+    /// Reads plain lines as far as they go, and the first that is none if its name was read. False when there
+    /// was none, and nothing has happened.
+    bool ParsePlainLines(CParserError& result);
+    bool ParsePlainLine(CPlainCursor& cursor, std::string_view text, CParserError& result);
+    bool TakePlainKey(CPlainCursor& cursor, std::string_view& name);
     const std::vector<SubsystemName>& SubsystemNames();
     const SubsystemName* FindSubsystem(std::string_view word);
     std::string SubsystemList();
@@ -93,6 +118,7 @@ private:
     std::uint16_t mNextOrder = 1;
     std::vector<SubsystemName> mSubsystemNames;  ///< asked for once in a pass
     bool mSubsystemNamesKnown = false;
+    std::unique_ptr<PlainLines> mpPlain;  ///< null while all lines go through the tokens
 };
 
 }  // namespace VemoKesConfigTools

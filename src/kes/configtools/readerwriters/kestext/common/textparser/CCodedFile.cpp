@@ -17,8 +17,8 @@ char CUTF8CodedFile::ReadChar() {
 
 void CUTF8CodedFile::ReadAll(std::string& text) {
     constexpr std::size_t BLOCK = 64UL * 1024UL;
-    // What the stream knows to have is read at once, and no room is made beyond it before more is seen to come,
-    // so that a large text is not moved as it grows, and a short one costs little.
+    // What the stream knows to have is read at once, and no room is made beyond it before more is seen to
+    // come, so that a large text is not moved as it grows, and a short one costs little.
     do {
         const std::streamsize known = mpStream->rdbuf()->in_avail();
         const std::size_t block = known > 0 ? static_cast<std::size_t>(known) : BLOCK;

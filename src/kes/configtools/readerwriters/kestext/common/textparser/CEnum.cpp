@@ -32,17 +32,22 @@ CParserError CEnum::Parse() {
 
 CParserError CEnum::Action(std::vector<IPayload*>& payloads, CParseContext* /*context*/,
                            const IMetadata& metadata) {
+    return EnumAction(payloads, metadata, mName, mNumber);
+}
+
+CParserError EnumAction(std::vector<IPayload*>& payloads, const IMetadata& metadata, std::string_view name,
+                        std::uint16_t number) {
     const IMetadataDetail* detail = metadata.IsValid() ? metadata.Detail() : nullptr;
     const IMetadataDetail::EnumMap* enums = detail != nullptr ? detail->Enums() : nullptr;
     if (enums == nullptr) return PE_UNKNOWN_NAME;
     const auto found = std::find_if(enums->begin(), enums->end(), [&](const auto& entry) {
-        return mName.empty() ? entry.second == mNumber : EqualsIgnoringCase(entry.first, mName);
+        return name.empty() ? entry.second == number : EqualsIgnoringCase(entry.first, name);
     });
     if (found == enums->end()) {
-        std::string text = (mName.empty() ? std::to_string(mNumber) : mName) + " must be one of ";
+        std::string text = (name.empty() ? std::to_string(number) : std::string(name)) + " must be one of ";
         const char* separator = "";
-        for (const auto& [name, value] : *enums) {
-            text.append(separator).append(name).append("(").append(std::to_string(value)).append(")");
+        for (const auto& [known, value] : *enums) {
+            text.append(separator).append(known).append("(").append(std::to_string(value)).append(")");
             separator = ", ";
         }
         return {PE_UNKNOWN_VALUE, text + "."};

@@ -4,9 +4,15 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace VemoKesConfigTools {
+
+/// The payload of the enumerator of this name, without regard to case, or, with an empty name, of this
+/// number. It has the name as the metadata spells it.
+CParserError EnumAction(std::vector<IPayload*>& payloads, const IMetadata& metadata, std::string_view name,
+                        std::uint16_t number);
 
 /// An enumerator, by name or by number.
 class CEnum final : public CValue {
@@ -17,7 +23,6 @@ public:
     static bool Is(CTextReader& source);
     /// enum ::= integer of 16 bits | name of letters, digits, "_" and "-"
     CParserError Parse() override;
-    /// Finds the enumerator in the metadata. The payload has the name as the metadata spells it.
     CParserError Action(std::vector<IPayload*>& payloads, CParseContext* context,
                         const IMetadata& metadata) override;
 

@@ -23,6 +23,8 @@ constexpr auto PAYLOAD_TYPE = static_cast<PayloadTypeEnum>((std::is_unsigned_v<T
 static_assert(PAYLOAD_TYPE<std::int8_t> == PAYLOAD_TYPE_INT8 &&
               PAYLOAD_TYPE<std::uint64_t> == PAYLOAD_TYPE_UINT64);
 
+}  // namespace
+
 template <typename T>
 CParserError IntAction(std::vector<IPayload*>& payloads, const IMetadata& metadata, T value) {
     if (!metadata.IsValid()) return PE_UNKNOWN_NAME;
@@ -39,8 +41,6 @@ CParserError IntAction(std::vector<IPayload*>& payloads, const IMetadata& metada
     static_cast<void>(payload.release());
     return PE_NONE;
 }
-
-}  // namespace
 
 template <typename T>
 bool CInteger<T>::Is(CTextReader& source) {
@@ -69,12 +69,20 @@ CParserError CInteger<T>::Action(std::vector<IPayload*>& payloads, CParseContext
 }
 
 template class CInteger<std::uint8_t>;
+template CParserError IntAction(std::vector<IPayload*>&, const IMetadata&, std::uint8_t);
 template class CInteger<std::uint16_t>;
+template CParserError IntAction(std::vector<IPayload*>&, const IMetadata&, std::uint16_t);
 template class CInteger<std::uint32_t>;
+template CParserError IntAction(std::vector<IPayload*>&, const IMetadata&, std::uint32_t);
 template class CInteger<std::uint64_t>;
+template CParserError IntAction(std::vector<IPayload*>&, const IMetadata&, std::uint64_t);
 template class CInteger<std::int8_t>;
+template CParserError IntAction(std::vector<IPayload*>&, const IMetadata&, std::int8_t);
 template class CInteger<std::int16_t>;
+template CParserError IntAction(std::vector<IPayload*>&, const IMetadata&, std::int16_t);
 template class CInteger<std::int32_t>;
+template CParserError IntAction(std::vector<IPayload*>&, const IMetadata&, std::int32_t);
 template class CInteger<std::int64_t>;
+template CParserError IntAction(std::vector<IPayload*>&, const IMetadata&, std::int64_t);
 
 }  // namespace VemoKesConfigTools

@@ -7,6 +7,10 @@
 
 namespace VemoKesConfigTools {
 
+/// The payload of an integer that the metadata allows.
+template <typename T>
+CParserError IntAction(std::vector<IPayload*>& payloads, const IMetadata& metadata, T value);
+
 /// An integer of any width.
 class CIntegerBase : public CValue {
 public:

@@ -11,9 +11,6 @@
 
 namespace VemoKesConfigTools {
 
-namespace {
-
-/// Makes the payload of a byte string whose length the metadata allows. `unit` is what is counted, in words.
 CParserError StringAction(std::vector<IPayload*>& payloads, const IMetadata& metadata, std::string text,
                           const char* unit) {
     if (!metadata.IsValid()) return PE_UNKNOWN_NAME;
@@ -29,8 +26,6 @@ CParserError StringAction(std::vector<IPayload*>& payloads, const IMetadata& met
     static_cast<void>(payload.release());
     return PE_NONE;
 }
-
-}  // namespace
 
 CParserError COctetString::ReadOctet() {
     std::uint8_t octet = 0;
@@ -56,7 +51,7 @@ CParserError COctetString::Parse() {
 
 CParserError COctetString::Action(std::vector<IPayload*>& payloads, CParseContext* /*context*/,
                                   const IMetadata& metadata) {
-    return StringAction(payloads, metadata, std::string(mOctets.begin(), mOctets.end()), " values.");
+    return StringAction(payloads, metadata, std::string(mOctets.begin(), mOctets.end()), UNIT_OCTETS);
 }
 
 bool COctetStringMAC::Is(CTextReader& source) {
@@ -154,7 +149,7 @@ CParserError COctetStringQuote::ReadUnicodeEscape() {
 
 CParserError COctetStringQuote::Action(std::vector<IPayload*>& payloads, CParseContext* /*context*/,
                                        const IMetadata& metadata) {
-    return StringAction(payloads, metadata, mText, " characters.");
+    return StringAction(payloads, metadata, mText, UNIT_CHARACTERS);
 }
 
 }  // namespace VemoKesConfigTools

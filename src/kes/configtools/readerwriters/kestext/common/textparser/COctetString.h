@@ -8,6 +8,12 @@
 
 namespace VemoKesConfigTools {
 
+/// The payload of a byte string whose length the metadata allows. `unit` is what is counted, in words.
+CParserError StringAction(std::vector<IPayload*>& payloads, const IMetadata& metadata, std::string text,
+                          const char* unit);
+inline constexpr const char* UNIT_OCTETS = " values.";
+inline constexpr const char* UNIT_CHARACTERS = " characters.";
+
 /// Octets in brackets. Also the base of the other way to write octets.
 class COctetString : public CValue {
 public:

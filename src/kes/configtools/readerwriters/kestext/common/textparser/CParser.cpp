@@ -7,6 +7,7 @@
 #include "model/IConfigReaderElementObserver.h"
 
 #include <memory>
+#include <utility>
 
 namespace VemoKesConfigTools {
 
@@ -23,8 +24,7 @@ CParserError CParser::Parse() {
             mpSource->SkipLine();
             continue;
         }
-        mLineStart = mpSource->GetPosition().offset;
-        if (mLineStart >= mNextProgress) ReportProgress();
+        BeginLine(mpSource->At().offset);
         result = ParseLine();
     }
     if (mpSource->Eof() && result.Ok()) result.SetCode(mDataFound ? PE_END_OF_DATA : PE_NO_CONFIG_DATA);
@@ -67,10 +67,14 @@ CParserError CParser::ParseLine() {
             result = ParseKeyLine(name.get());
         }
     }
-    if (result.Ok()) return result = CheckEOL();
-    if (name && !name->mKeyName.empty()) {
+    return result = FinishLine(name.get(), std::move(result));
+}
+
+CParserError CParser::FinishLine(const CName* name, CParserError result) {
+    if (result.Ok()) return CheckEOL();
+    if (name != nullptr && !name->mKeyName.empty()) {
         result.SetKey(name->mKeyName);
-    } else if (name && name->mId != 0) {
+    } else if (name != nullptr && name->mId != 0) {
         result.SetKey("Id: " + std::to_string(name->mId));
     }
     return result;
@@ -85,11 +89,15 @@ CParserError CParser::ParseKeyLine(CName* name) {
     }
     // An unknown name does not end the line yet: a raw value helps.
     if (!result.Ok() && result.mCode != PE_UNKNOWN_NAME) return result;
+    return ParseBehindName(*name, nameResult);
+}
+
+CParserError CParser::ParseBehindName(const CName& name, const CParserError& nameResult) {
     SkipWhitespace();
     const std::unique_ptr<CDelimiter> delimiter(GetDelimiter());
-    if (result = delimiter->Parse(); !result.Ok()) return result;
+    if (CParserError result = delimiter->Parse(); !result.Ok()) return result;
     SkipWhitespace();
-    return ParseValue(*name, nameResult);
+    return ParseValue(name, nameResult);
 }
 
 CParserError CParser::ParseValue(const CName& name, const CParserError& nameResult) {
@@ -125,11 +133,11 @@ CParserError CParser::ReadValue(CValue& value, const CName& name) {
     if (result.Ok()) result = value.Action(payloads.List(), mpParseContext, *value.mpMetadata);
     if (!result.Ok()) return result;
     Deliver(name, payloads, *value.mpMetadata);
-    mDataFound = true;
     return result;
 }
 
 void CParser::Deliver(const CName& name, COwnedPayloads& payloads, const IMetadata& metadata) {
+    mDataFound = true;
     // The record tells the name; without one there is none.
     auto element =
         std::make_unique<CIndexedElement>(name.mId, std::string(), name.mIndices, payloads.List(), false);

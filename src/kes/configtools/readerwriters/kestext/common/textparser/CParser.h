@@ -41,6 +41,17 @@ protected:
     /// text ::= {blank} newline
     /// `PE_UNEXPECTED_TEXT` for anything else, with the newline consumed.
     CParserError CheckEOL();
+    /// A line begins at this offset.
+    void BeginLine(std::size_t offset) {
+        mLineStart = offset;
+        if (mLineStart >= mNextProgress) ReportProgress();
+    }
+    /// Reads delimiter and value. `nameResult` is what the name's `Action` gave.
+    CParserError ParseBehindName(const CName& name, const CParserError& nameResult);
+    /// Hands the element of an accepted line over.
+    void Deliver(const CName& name, COwnedPayloads& payloads, const IMetadata& metadata);
+    /// Ends a line: checks that nothing is left on it, or gives the error its key. The name may be null.
+    CParserError FinishLine(const CName* name, CParserError result);
 
     CParseContext* mpParseContext;
     bool mDataFound = false;  ///< a key line was accepted
@@ -49,7 +60,6 @@ private:
     CParserError ParseKeyLine(CName* name);
     CParserError ParseValue(const CName& name, const CParserError& nameResult);
     CParserError ReadValue(CValue& value, const CName& name);
-    void Deliver(const CName& name, COwnedPayloads& payloads, const IMetadata& metadata);
     void ReportProgress();
 
     static constexpr std::size_t PROGRESS_STEP = std::size_t{1} << 20U;

@@ -37,11 +37,13 @@ public:
     COwnedPayloads() = default;
     COwnedPayloads(const COwnedPayloads&) = delete;
     COwnedPayloads& operator=(const COwnedPayloads&) = delete;
-    ~COwnedPayloads() {
-        for (const IPayload* payload : mList) delete payload;
-    }
+    ~COwnedPayloads() { Clear(); }
 
     std::vector<IPayload*>& List() { return mList; }
+    void Clear() {
+        for (const IPayload* payload : mList) delete payload;
+        mList.clear();
+    }
     /// They have a new owner.
     void Release() { mList.clear(); }
 
