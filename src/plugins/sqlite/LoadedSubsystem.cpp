@@ -3,47 +3,67 @@
 #include "model/CNullMetadata.h"
 #include "model/Words.h"
 
-#include <algorithm>
-#include <utility>
+#include <functional>
 
 namespace VemoKesConfigTools {
 
 namespace {
 
-template <typename Map, typename Key>
-const IMetadata& Find(const Map& map, const Key& key) {
-    const auto found = map.find(key);
-    return found == map.end() ? CNullMetadata::Ref() : *found->second;
+std::size_t RecordsOf(const metadb::SubsystemData& data) {
+    std::size_t records = data.keys.size();
+    for (const metadb::StructType& type : data.structs) records += type.fields.size();
+    return records;
+}
+
+std::uint32_t HashOf(std::uint32_t psid) { return psid * 0x9E3779B1U; }
+
+std::uint32_t HashOf(std::string_view name) {
+    const std::uint64_t hash = std::hash<std::string_view>()(name);
+    return static_cast<std::uint32_t>(hash ^ hash >> 32U) * 0x9E3779B1U;
 }
 
 }  // namespace
 
-CLoadedSubsystem::CLoadedSubsystem(metadb::SubsystemData data) {
+CLoadedSubsystem::CLoadedSubsystem(const metadb::SubsystemData& data)
+    : mByPsid(data.keys.size()), mByName(data.keys.size()) {
+    mRecords.reserve(RecordsOf(data));
     AddEnums(data.enums);
     AddStructs(data.structs);
-    mByPsid.reserve(data.keys.size());
-    mByName.reserve(data.keys.size());
-    for (metadb::KeyData& key : data.keys) {
+    for (const metadb::KeyData& key : data.keys) {
         const std::string number = std::to_string(key.psid);
         for (const metadb::DefaultValue& value : key.defaults) {
             mDefaultLines.append(number).append(value.indexes.empty() ? "" : ".").append(value.indexes);
             mDefaultLines.append(" = ").append(value.value).append("\n");
         }
-        const std::vector<metadb::IndexData> indexes = std::move(key.indexes);
-        const std::uint32_t psid = key.psid;
-        const CSqliteMetadata& record = Add(std::move(key), psid, indexes);
-        if (psid != 0) mByPsid.emplace(psid, &record);
-        mByName.emplace(record.NameText(), &record);
+        const std::uint32_t record = Add(key, key.psid, key.indexes);
+        if (key.psid != 0 && FindPsid(key.psid) == CRecordIndex::NONE) mByPsid.Add(HashOf(key.psid), record);
+        if (FindName(key.name) == CRecordIndex::NONE) mByName.Add(HashOf(key.name), record);
     }
 }
 
 const IMetadata& CLoadedSubsystem::ByUid(std::uint32_t uid) const {
-    return Find(mByUid, static_cast<std::int32_t>(uid));
+    const auto found = mByUid.find(static_cast<std::int32_t>(uid));
+    return found == mByUid.end() ? CNullMetadata::Ref() : *found->second;
 }
 
-const IMetadata& CLoadedSubsystem::ByPsid(std::uint32_t psid) const { return Find(mByPsid, psid); }
+const IMetadata& CLoadedSubsystem::ByPsid(std::uint32_t psid) const { return RecordOrNull(FindPsid(psid)); }
 
-const IMetadata& CLoadedSubsystem::ByName(std::string_view name) const { return Find(mByName, name); }
+const IMetadata& CLoadedSubsystem::ByName(std::string_view name) const {
+    return RecordOrNull(FindName(name));
+}
+
+std::uint32_t CLoadedSubsystem::FindPsid(std::uint32_t psid) const {
+    return mByPsid.Find(HashOf(psid), [&](std::uint32_t i) { return mRecords[i].Psid() == psid; });
+}
+
+std::uint32_t CLoadedSubsystem::FindName(std::string_view name) const {
+    return mByName.Find(HashOf(name), [&](std::uint32_t i) { return mRecords[i].NameText() == name; });
+}
+
+const IMetadata& CLoadedSubsystem::RecordOrNull(std::uint32_t number) const {
+    if (number == CRecordIndex::NONE) return CNullMetadata::Ref();
+    return mRecords[number];
+}
 
 CLoadedSubsystem::Type CLoadedSubsystem::TypeOf(const std::string& name) const {
     const auto found = mTypes.find(name);
@@ -58,42 +78,41 @@ void CLoadedSubsystem::AddEnums(const std::vector<metadb::EnumType>& enums) {
     }
 }
 
-void CLoadedSubsystem::AddStructs(std::vector<metadb::StructType>& structs) {
+void CLoadedSubsystem::AddStructs(const std::vector<metadb::StructType>& structs) {
     // A field may be of a struct that comes later, so each struct waits for those that it holds.
-    std::map<std::string_view, metadb::StructType*> waiting;
-    for (metadb::StructType& type : structs) waiting.emplace(type.name, &type);
-    const auto build = [&](const auto& self, metadb::StructType& type) -> void {
+    std::map<std::string_view, const metadb::StructType*> waiting;
+    for (const metadb::StructType& type : structs) waiting.emplace(type.name, &type);
+    const auto build = [&](const auto& self, const metadb::StructType& type) -> void {
         for (const metadb::FieldData& field : type.fields) {
             const auto inner = waiting.find(field.type);
             if (inner == waiting.end()) continue;
-            metadb::StructType& first = *inner->second;
+            const metadb::StructType& first = *inner->second;
             waiting.erase(inner);
             self(self, first);
         }
         IMetadataDetail::FieldList fields;
-        for (metadb::FieldData& field : type.fields) {
-            const std::int32_t lsb = field.lsb;
-            const std::int32_t width = field.width;
-            const CSqliteMetadata& record = Add(std::move(field), 0, {});
-            fields.push_back(&mFields.emplace_back(&record, lsb, width));
+        for (const metadb::FieldData& field : type.fields) {
+            const CSqliteMetadata& record = mRecords[Add(field, 0, {})];
+            fields.push_back(&mFields.emplace_back(&record, field.lsb, field.width));
         }
         mDetails.push_back(std::make_unique<CMetadataDetailStruct>(std::move(fields)));
         mTypes[type.name] = {METADATA_TYPE_STRUCT, mDetails.back().get()};
     };
     while (!waiting.empty()) {
-        metadb::StructType& type = *waiting.begin()->second;
+        const metadb::StructType& type = *waiting.begin()->second;
         waiting.erase(waiting.begin());
         build(build, type);
     }
 }
 
-const CSqliteMetadata& CLoadedSubsystem::Add(metadb::RecordData data, std::uint32_t psid,
-                                             const std::vector<metadb::IndexData>& indexes) {
+/// Adds a record and gives its number.
+std::uint32_t CLoadedSubsystem::Add(const metadb::RecordData& data, std::uint32_t psid,
+                                    const std::vector<metadb::IndexData>& indexes) {
     const Type type = TypeOf(data.type);
     const CSqliteMetadata& record =
-        mRecords.emplace_back(std::move(data), psid, type.kind, type.detail, indexes);
-    mByUid.emplace(record.Uid(), &record);
-    return record;
+        mRecords.emplace_back(data, psid, type.kind, type.detail, indexes, mTexts);
+    mByUid.emplace_hint(mByUid.end(), record.Uid(), &record);
+    return static_cast<std::uint32_t>(mRecords.size() - 1);
 }
 
 }  // namespace VemoKesConfigTools

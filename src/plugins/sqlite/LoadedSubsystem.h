@@ -1,7 +1,9 @@
 #pragma once
 
 #include "metadb/MetadataModel.h"
+#include "plugins/sqlite/RecordIndex.h"
 #include "plugins/sqlite/SqliteRecords.h"
+#include "plugins/sqlite/TextPool.h"
 
 #include <cstdint>
 #include <deque>
@@ -9,7 +11,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace VemoKesConfigTools {
@@ -18,7 +19,7 @@ namespace VemoKesConfigTools {
 /// long as this lives.
 class CLoadedSubsystem {
 public:
-    explicit CLoadedSubsystem(metadb::SubsystemData data);
+    explicit CLoadedSubsystem(const metadb::SubsystemData& data);
     CLoadedSubsystem(const CLoadedSubsystem&) = delete;
     CLoadedSubsystem& operator=(const CLoadedSubsystem&) = delete;
 
@@ -40,18 +41,22 @@ private:
 
     Type TypeOf(const std::string& name) const;
     void AddEnums(const std::vector<metadb::EnumType>& enums);
-    void AddStructs(std::vector<metadb::StructType>& structs);
-    const CSqliteMetadata& Add(metadb::RecordData data, std::uint32_t psid,
-                               const std::vector<metadb::IndexData>& indexes);
+    void AddStructs(const std::vector<metadb::StructType>& structs);
+    std::uint32_t Add(const metadb::RecordData& data, std::uint32_t psid,
+                      const std::vector<metadb::IndexData>& indexes);
+    std::uint32_t FindPsid(std::uint32_t psid) const;
+    std::uint32_t FindName(std::string_view name) const;
+    const IMetadata& RecordOrNull(std::uint32_t number) const;
 
     std::map<std::string, Type> mTypes;
     std::vector<std::unique_ptr<IMetadataDetail>> mDetails;
     CMetadataDetailSimple mSimple;
     std::deque<CStructField> mFields;
-    std::deque<CSqliteMetadata> mRecords;
+    CTextPool mTexts;
+    std::vector<CSqliteMetadata> mRecords;  ///< never grows beyond its first room, so that records stay
     std::map<std::int32_t, const IMetadata*> mByUid;
-    std::unordered_map<std::uint32_t, const IMetadata*> mByPsid;
-    std::unordered_map<std::string_view, const IMetadata*> mByName;  ///< views of the records' own names
+    CRecordIndex mByPsid;
+    CRecordIndex mByName;
     std::string mDefaultLines;
 };
 

@@ -7,40 +7,43 @@
 #include "model/IChipInfo.h"
 #include "model/IMetadata.h"
 #include "model/ISubsystemInfo.h"
+#include "plugins/sqlite/TextPool.h"
 
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace VemoKesConfigTools {
 
-/// The record of a key or struct field.
+/// The record of a key or struct field. Its texts are kept by a pool.
 class CSqliteMetadata final : public IMetadata {
 public:
     /// `detail` belongs to the type and outlives the record; null for a type that nobody knows.
-    CSqliteMetadata(metadb::RecordData data, std::uint32_t psid, MetadataTypeEnum type,
-                    const IMetadataDetail* detail, const std::vector<metadb::IndexData>& indexes);
+    CSqliteMetadata(const metadb::RecordData& data, std::uint32_t psid, MetadataTypeEnum type,
+                    const IMetadataDetail* detail, const std::vector<metadb::IndexData>& indexes,
+                    CTextPool& texts);
 
-    std::int32_t Uid() const override { return mData.uid; }
+    std::int32_t Uid() const override { return mUid; }
     std::uint32_t Psid() const override { return mPsid; }
-    std::string Name() const override { return mData.name; }
-    std::string Label() const override { return mData.label; }
-    bool IsInternal() const override { return mData.isInternal; }
-    std::string Format() const override { return mData.format; }
-    std::int64_t Min() const override { return mData.min; }
-    std::int64_t Max() const override { return mData.max; }
-    std::string Oid() const override { return mData.oid; }
-    std::string TypeName() const override { return mData.type; }
-    std::string Units() const override { return mData.units; }
-    bool IsArray() const override { return mData.isArray; }
-    std::int64_t ArrayMinLength() const override { return mData.arrayMin; }
-    std::int64_t ArrayMaxLength() const override { return mData.arrayMax; }
-    std::string Description() const override { return mData.description; }
-    std::string DescriptionInternal() const override { return mData.descriptionInternal; }
-    std::string SourceReference() const override { return mData.source; }
-    std::string AccessRightName() const override { return mData.access; }
+    std::string Name() const override { return std::string(mName); }
+    std::string Label() const override { return std::string(mLabel); }
+    bool IsInternal() const override { return mIsInternal; }
+    std::string Format() const override { return std::string(mFormat); }
+    std::int64_t Min() const override { return mMin; }
+    std::int64_t Max() const override { return mMax; }
+    std::string Oid() const override { return std::string(mOid); }
+    std::string TypeName() const override { return std::string(mTypeName); }
+    std::string Units() const override { return std::string(mUnits); }
+    bool IsArray() const override { return mIsArray; }
+    std::int64_t ArrayMinLength() const override { return mArrayMin; }
+    std::int64_t ArrayMaxLength() const override { return mArrayMax; }
+    std::string Description() const override { return std::string(mDescription); }
+    std::string DescriptionInternal() const override { return std::string(mDescriptionInternal); }
+    std::string SourceReference() const override { return std::string(mSource); }
+    std::string AccessRightName() const override { return std::string(mAccess); }
     MetadataTypeEnum MetadataType() const override { return mType; }
     const IMetadataDetail* Detail() const override { return mpDetail; }
     bool IsValid() const override { return true; }
@@ -50,14 +53,31 @@ public:
     }
 
     /// The name, without a copy of it.
-    const std::string& NameText() const { return mData.name; }
+    std::string_view NameText() const { return mName; }
 
 private:
+    // What a reader asks of every key stands in front, in few cache lines.
     std::uint32_t mPsid;
+    std::int32_t mUid;
     MetadataTypeEnum mType;
+    bool mIsArray;
+    bool mIsInternal;
+    std::string_view mName;
+    std::string_view mTypeName;
+    std::int64_t mMin;
+    std::int64_t mMax;
+    std::string_view mFormat;
+    std::int64_t mArrayMin;
+    std::int64_t mArrayMax;
     const IMetadataDetail* mpDetail;
     std::vector<CTableIndex> mIndexes;
-    metadb::RecordData mData;
+    std::string_view mLabel;
+    std::string_view mDescription;
+    std::string_view mDescriptionInternal;
+    std::string_view mUnits;
+    std::string_view mAccess;
+    std::string_view mOid;
+    std::string_view mSource;
 };
 
 class CSqliteSubsystemInfo final : public ISubsystemInfo {

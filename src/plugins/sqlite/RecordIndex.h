@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace VemoKesConfigTools {
+
+/// Finds records, given by their numbers, by a hash of what they are looked up by. It is one array of small
+/// entries, so that a question costs little more than to look at the record itself.
+class CRecordIndex {
+public:
+    static constexpr std::uint32_t NONE = 0xFFFFFFFF;
+
+    /// Has room for this many records and no more.
+    explicit CRecordIndex(std::size_t records) : mEntries(records + records / 2 + 1) {}
+
+    /// The first record that was added with this hash and for which `isIt` holds; `NONE` when there is none.
+    template <typename IsIt>
+    std::uint32_t Find(std::uint32_t hash, IsIt isIt) const {
+        std::size_t i = HomeOf(hash);
+        for (; mEntries[i].record != NONE; i = Next(i)) {
+            if (mEntries[i].hash == hash && isIt(mEntries[i].record)) break;
+        }
+        return mEntries[i].record;
+    }
+    void Add(std::uint32_t hash, std::uint32_t record) {
+        std::size_t i = HomeOf(hash);
+        while (mEntries[i].record != NONE) i = Next(i);
+        mEntries[i] = {hash, record};
+    }
+
+private:
+    struct Entry {
+        std::uint32_t hash = 0;
+        std::uint32_t record = NONE;
+    };
+    std::size_t HomeOf(std::uint32_t hash) const {
+        return static_cast<std::size_t>(static_cast<std::uint64_t>(hash) * mEntries.size() >> 32U);
+    }
+    std::size_t Next(std::size_t i) const { return i + 1 == mEntries.size() ? 0 : i + 1; }
+
+    std::vector<Entry> mEntries;  ///< open addressing; always has a free entry
+};
+
+}  // namespace VemoKesConfigTools
