@@ -1,82 +1,72 @@
 #pragma once
 
-#include "metadb/MetadataDatabase.h"
-
+#include <array>
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <string>
-#include <unistd.h>
-#include <utility>
+#include <vector>
 
 namespace KesBench {
 
-namespace metadb = VemoKesConfigTools::metadb;
+/// A value as a text states it, in no format yet.
+struct Value {
+    enum class Kind { Integer, Enumerator, Text, Octets, Array, Struct };
+    Kind kind = Kind::Integer;
+    bool isHexadecimal = false;            ///< an integer is written so
+    std::int64_t number = 0;               ///< of an integer
+    std::string text;                      ///< of an enumerator, a text, or the octets themselves
+    std::vector<std::int64_t> items;       ///< of an array, or of the array in a struct
+    std::array<std::int64_t, 3> fields{};  ///< of a struct, the array stands behind the second
+};
 
-/// A database of one subsystem with this many keys, and texts for it, in files that go with the benchmark.
+struct Entry {
+    std::string name;
+    std::string label;
+    std::uint32_t type = 0;  ///< which of the types of its kind
+    Value value;
+};
+
+/// A made-up configuration of this many keys over ten places, two each of five subsystems, with a metadata
+/// database that knows just these keys, and the same data in other formats. Of ten keys five are integers,
+/// one each an enumerator, a quoted text, octets, an array and a struct, in shuffled order; every third has a
+/// comment line. The same number and seed give the same files everywhere. The files go with the workload.
 class Workload {
 public:
-    /// With `items`, there is also a key with an array that has room for as many.
-    explicit Workload(std::int64_t keys, std::int64_t items = 0) {
-        mFolder = std::filesystem::temp_directory_path() / ("kes-bench-" + std::to_string(getpid()));
-        std::filesystem::create_directory(mFolder);
-        metadb::SubsystemData bt;
-        bt.name = "bt";
-        for (std::int64_t i = 1; i <= keys; ++i) {
-            metadb::KeyData key;
-            key.uid = static_cast<std::int32_t>(i);
-            key.psid = static_cast<std::uint32_t>(i);
-            key.name = "rf_parameter_" + std::to_string(i);
-            key.type = i % 4 == 0 ? "octet_string" : i % 4 == 1 ? "uint8" : i % 4 == 2 ? "int32" : "uint16";
-            key.max = 127;
-            bt.keys.push_back(std::move(key));
-        }
-        if (items > 0) {
-            metadb::KeyData list;
-            list.uid = static_cast<std::int32_t>(keys + 1);
-            list.psid = static_cast<std::uint32_t>(keys + 1);
-            list.name = "rf_list";
-            list.type = "uint16";
-            list.format = "unsigned_decimal";
-            list.max = 65535;
-            list.isArray = true;
-            list.arrayMax = items;
-            bt.keys.push_back(std::move(list));
-        }
-        metadb::SystemData system;
-        system.label = "bench";
-        system.chipId = 76;
-        system.subsystems = {std::move(bt)};
-        metadb::WriteDatabase(Database(), {system});
-    }
+    static constexpr std::size_t PLACES = 10;
+    static constexpr std::size_t SUBSYSTEMS = PLACES / 2;
+    static constexpr const char* SYSTEM = "bench";
+    static constexpr std::uint16_t CHIP_ID = 76;
+    static constexpr std::array<const char*, SUBSYSTEMS> NAMES = {"curator", "bt", "wlan", "audio", "app"};
+
+    enum class Format { Kes, Toml, Json, Libconfig };
+
+    explicit Workload(std::size_t keys, std::uint64_t seed = 1);
     Workload(const Workload&) = delete;
     Workload& operator=(const Workload&) = delete;
-    ~Workload() { std::filesystem::remove_all(mFolder); }
+    ~Workload();
 
-    std::string Database() const { return (mFolder / "bench.db").string(); }
-    std::string Folder() const { return (mFolder / "chunks").string(); }
-    std::string ArrayText(std::int64_t items) const {
-        const std::string path = (mFolder / "bench.ktf").string();
-        std::ofstream file(path, std::ios::binary);
-        file << "version=bench\nfile=bt1\nrf_list = {0";
-        for (std::int64_t i = 1; i < items; ++i) file << ", " << i % 65536;
-        file << "}\n";
-        return path;
-    }
-    std::string Text(std::int64_t keys, bool withPrefix) const {
-        const std::string path = (mFolder / "bench.ktf").string();
-        std::ofstream file(path, std::ios::binary);
-        file << "version=bench\nfile=bt1\n";
-        for (std::int64_t i = 1; i <= keys; ++i) {
-            file << (withPrefix ? "bt3." : "") << "rf_parameter_" << i
-                 << (i % 4 == 0   ? " = [ 01 02 03 04 ]\n"
-                     : i % 4 == 1 ? " = 0x5A\n"
-                                  : " = 100\n");
-        }
-        return path;
-    }
+    std::size_t Keys() const { return mKeys; }
+    /// Makes the file of the format and gives its path.
+    std::string Text(Format format) const;
+    std::string Database() const { return Path("bench.db"); }
+    std::string Path(const char* name) const { return (mFolder / name).string(); }
+
+    Entry At(std::size_t key) const;
+    /// The place of a key and what its subsystem numbers it, from 1.
+    std::size_t PlaceOf(std::size_t key) const { return key * PLACES / mKeys; }
+    std::uint32_t PsidOf(std::size_t key) const;
+    /// A key near this one whose value is an integer that takes "7".
+    std::size_t IntegerNear(std::size_t key) const;
 
 private:
+    void WriteDatabase() const;
+
+    std::size_t mKeys;
+    std::uint64_t mSeed;
     std::filesystem::path mFolder;
 };
+
+/// "bt1" and the like.
+std::string PlaceName(std::size_t place);
 
 }  // namespace KesBench
