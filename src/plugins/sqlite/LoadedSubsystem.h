@@ -57,6 +57,7 @@ private:
     std::map<std::int32_t, const IMetadata*> mByUid;
     CRecordIndex mByPsid;
     CRecordIndex mByName;
+    mutable std::uint32_t mLastNamed = 0;  ///< the record that `ByName` gave last
     std::string mDefaultLines;
 };
 
