@@ -41,12 +41,14 @@ public:
 
     /// Throws `std::invalid_argument` when the key is there already.
     void Add(Key key, Value value) {
-        if (mPositions.contains(key)) throw std::invalid_argument("the map holds this key already");
-        mEntries.emplace_back(key, std::move(value));
+        // Keys mostly come in ascending order.
+        const std::size_t before = mPositions.size();
+        const auto position = mPositions.emplace_hint(mPositions.end(), key, mEntries.size());
+        if (mPositions.size() == before) throw std::invalid_argument("the map holds this key already");
         try {
-            mPositions.emplace(std::move(key), mEntries.size() - 1);
+            mEntries.emplace_back(std::move(key), std::move(value));
         } catch (...) {
-            mEntries.pop_back();
+            mPositions.erase(position);
             throw;
         }
     }

@@ -2,7 +2,7 @@
 
 #include "metadb/Schema.h"
 
-#include <unordered_map>
+#include <algorithm>
 
 namespace VemoKesConfigTools::metadb {
 
@@ -131,16 +131,30 @@ void MetadataDatabase::LoadTypes(std::int64_t id, SubsystemData& subsystem) {
 }
 
 void MetadataDatabase::LoadKeys(std::int64_t id, SubsystemData& subsystem) {
-    SqliteStatement keys = mDatabase.Prepare("SELECT " KES_RECORD_COLUMNS
-                                             ", psid, id FROM key WHERE subsystem_id = ? ORDER BY id");
-    keys.Bind(id);
-    std::unordered_map<std::int64_t, std::size_t> byId;
+    // A subsystem's keys mostly stand side by side. So the stretch is read that holds them all, in the order
+    // of the file; the index would look each up on its own, and then they would have to be sorted.
+    SqliteStatement stretch =
+        mDatabase.Prepare("SELECT count(*), min(id), max(id) FROM key WHERE subsystem_id = ?");
+    stretch.Bind(id).Step();
+    const auto count = static_cast<std::size_t>(stretch.Number(0));
+    SqliteStatement keys =
+        mDatabase.Prepare("SELECT " KES_RECORD_COLUMNS
+                          ", psid, id FROM key WHERE id BETWEEN ? AND ? AND +subsystem_id = ? ORDER BY id");
+    keys.Bind(stretch.Number(1), stretch.Number(2), id);
+    std::vector<std::int64_t> ids;
+    ids.reserve(count);
+    subsystem.keys.reserve(count);
     while (keys.Step()) {
         KeyData& key = subsystem.keys.emplace_back();
         ReadRecord(keys, 0, key);
         key.psid = static_cast<std::uint32_t>(keys.Number(RECORD_COLUMN_COUNT));
-        byId.emplace(keys.Number(RECORD_COLUMN_COUNT + 1), subsystem.keys.size() - 1);
+        ids.push_back(keys.Number(RECORD_COLUMN_COUNT + 1));
     }
+    const auto keyOf = [&](std::int64_t keyId) -> KeyData& {
+        const auto found = std::ranges::lower_bound(ids, keyId);
+        if (found == ids.end() || *found != keyId) throw DatabaseError(mDatabase.Path() + ": is damaged");
+        return subsystem.keys[static_cast<std::size_t>(found - ids.begin())];
+    };
     SqliteStatement indexes = mDatabase.Prepare(
         "SELECT i.key_id, i.position, i.name, i.min, i.max, i.is_enum FROM key_index i "
         "JOIN key k ON k.id = i.key_id WHERE k.subsystem_id = ? ORDER BY i.key_id, i.position");
@@ -150,15 +164,14 @@ void MetadataDatabase::LoadKeys(std::int64_t id, SubsystemData& subsystem) {
     while (indexes.Step()) {
         IndexData index{indexes.Text(2), indexes.Number(3), indexes.Number(4), indexes.Number(5) != 0, {}};
         index.values = Values(values.Bind(indexes.Number(0), indexes.Number(1)));
-        subsystem.keys[byId.at(indexes.Number(0))].indexes.push_back(std::move(index));
+        keyOf(indexes.Number(0)).indexes.push_back(std::move(index));
     }
     SqliteStatement defaults = mDatabase.Prepare(
         "SELECT d.key_id, d.indexes, d.value FROM default_value d JOIN key k ON k.id = d.key_id "
         "WHERE k.subsystem_id = ? ORDER BY d.key_id, d.position");
     defaults.Bind(id);
     while (defaults.Step()) {
-        subsystem.keys[byId.at(defaults.Number(0))].defaults.push_back(
-            {defaults.Text(1), defaults.Text(2), {}});
+        keyOf(defaults.Number(0)).defaults.push_back({defaults.Text(1), defaults.Text(2), {}});
     }
 }
 

@@ -62,22 +62,24 @@ private:
     TypeFault mFault;
 };
 
-/// Feeds records to a CRC-32. Each text has its length in front, so that no two lists read alike.
+/// Feeds records to a CRC-32, many at once, since most of what they hold is short. Each text has its length
+/// in front, so that no two lists read alike.
 class Digester {
 public:
     void Add(std::string_view text) {
         Add(static_cast<std::int64_t>(text.size()));
-        mSum = crc32_z(mSum, reinterpret_cast<const Bytef*>(text.data()), text.size());
+        mPending.append(text);
+        if (mPending.size() >= BLOCK) Flush();
     }
     void Add(const std::string& text) { Add(std::string_view(text)); }
     void Add(std::int64_t number) {
-        std::array<Bytef, 8> bytes{};
+        std::array<char, 8> bytes{};
         auto rest = static_cast<std::uint64_t>(number);
-        for (Bytef& byte : bytes) {
-            byte = static_cast<Bytef>(rest & 0xFFU);
+        for (char& byte : bytes) {
+            byte = static_cast<char>(rest & 0xFFU);
             rest >>= 8U;
         }
-        mSum = crc32_z(mSum, bytes.data(), bytes.size());
+        mPending.append(bytes.data(), bytes.size());
     }
     void Add(const NamedValues& values) {
         Add(static_cast<std::int64_t>(values.size()));
@@ -109,9 +111,20 @@ public:
     void Count(const std::vector<Item>& items) {
         Add(static_cast<std::int64_t>(items.size()));
     }
-    std::uint32_t Sum() const { return static_cast<std::uint32_t>(mSum); }
+    std::uint32_t Sum() {
+        Flush();
+        return static_cast<std::uint32_t>(mSum);
+    }
 
 private:
+    static constexpr std::size_t BLOCK = 16UL * 1024UL;
+
+    void Flush() {
+        mSum = crc32_z(mSum, reinterpret_cast<const Bytef*>(mPending.data()), mPending.size());
+        mPending.clear();
+    }
+
+    std::string mPending;
     uLong mSum = crc32_z(0, nullptr, 0);
 };
 
