@@ -6,21 +6,47 @@
 #include "cli/NearNames.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
 
 using namespace kes::cli;
 
+struct Command {
+    std::string_view name;
+    void (*add)(CLI::App&, Globals&);
+};
+
 /// The commands in the order of the help.
-constexpr void (*COMMANDS[])(CLI::App&, Globals&) = {
-    AddCheck,      AddGet,     AddSet,      AddAdd,      AddUnset,      AddList, AddDiff,
-    AddRewrite,    AddConvert, AddDevice,   AddDefaults, AddStores,     AddRaw,  AddChips,
-    AddSubsystems, AddKeys,    AddDescribe, AddMetadata, AddCompletion, AddHelp};
+constexpr Command COMMANDS[] = {
+    {"check", AddCheck},
+    {"get", AddGet},
+    {"set", AddSet},
+    {"add", AddAdd},
+    {"unset", AddUnset},
+    {"list", AddList},
+    {"diff", AddDiff},
+    {"rewrite", AddRewrite},
+    {"convert", AddConvert},
+    {"device", AddDevice},
+    {"defaults", AddDefaults},
+    {"stores", AddStores},
+    {"raw", AddRaw},
+    {"chips", AddChips},
+    {"subsystems", AddSubsystems},
+    {"keys", AddKeys},
+    {"describe", AddDescribe},
+    {"metadata", AddMetadata},
+    {"completion", AddCompletion},
+    {"help", AddHelp},
+};
 
 /// The words in the order that CLI11 wants, the last first. It would split "[00, 11]", which can be a value,
 /// at its commas and take the brackets away; a blank in front keeps it whole.
@@ -77,7 +103,9 @@ std::string ExitCodeLine() {
     return line + ".";
 }
 
-void AddAll(CLI::App& app, Globals& globals) {
+/// Defines the command line. A first word that names a command needs the options of no other one, but for
+/// "help".
+void Define(CLI::App& app, Globals& globals, const std::string& firstWord) {
     app.formatter(std::make_shared<HelpFormatter>());
     app.set_version_flag("--version", std::string("kes ") + KES_VERSION);
     app.add_flag(
@@ -92,7 +120,9 @@ void AddAll(CLI::App& app, Globals& globals) {
                       {"kes list board.ktf --changed", "What is not at its default"},
                       {"kes keys antenna", "Look for keys"},
                       {"kes describe tx_power_limit", "Tell all that is known of a key"}});
-    for (const auto add : COMMANDS) add(app, globals);
+    const auto* const only = std::ranges::find(COMMANDS, firstWord, &Command::name);
+    if (only != std::end(COMMANDS) && only->name != "help") return only->add(app, globals);
+    for (const Command& command : COMMANDS) command.add(app, globals);
 }
 
 int Run(int argc, char** argv) {
@@ -101,7 +131,7 @@ int Run(int argc, char** argv) {
     CLI::App app(
         "Checks, changes, compares and explains the configuration texts of chips with several subsystems.",
         "kes");
-    AddAll(app, globals);
+    Define(app, globals, words.empty() ? std::string() : words[0]);
     // Two commands for scripts only: they look at the definitions and are none themselves.
     if (words.size() > 1 && words[0] == "__complete") {
         return Complete(app, globals, {words.begin() + (words[1] == "--" ? 2 : 1), words.end()});

@@ -131,16 +131,19 @@ void MetadataDatabase::LoadTypes(std::int64_t id, SubsystemData& subsystem) {
 }
 
 void MetadataDatabase::LoadKeys(std::int64_t id, SubsystemData& subsystem) {
-    // A subsystem's keys mostly stand side by side. So the stretch is read that holds them all, in the order
-    // of the file; the index would look each up on its own, and then they would have to be sorted.
+    // A subsystem's keys mostly stand side by side. So of each table the stretch is read that holds them all,
+    // in the order of the file; an index would look each up on its own, and then they would have to be
+    // sorted.
     SqliteStatement stretch =
         mDatabase.Prepare("SELECT count(*), min(id), max(id) FROM key WHERE subsystem_id = ?");
     stretch.Bind(id).Step();
     const auto count = static_cast<std::size_t>(stretch.Number(0));
+    const std::int64_t first = stretch.Number(1);
+    const std::int64_t last = stretch.Number(2);
     SqliteStatement keys =
         mDatabase.Prepare("SELECT " KES_RECORD_COLUMNS
                           ", psid, id FROM key WHERE id BETWEEN ? AND ? AND +subsystem_id = ? ORDER BY id");
-    keys.Bind(stretch.Number(1), stretch.Number(2), id);
+    keys.Bind(first, last, id);
     std::vector<std::int64_t> ids;
     ids.reserve(count);
     subsystem.keys.reserve(count);
@@ -150,28 +153,32 @@ void MetadataDatabase::LoadKeys(std::int64_t id, SubsystemData& subsystem) {
         key.psid = static_cast<std::uint32_t>(keys.Number(RECORD_COLUMN_COUNT));
         ids.push_back(keys.Number(RECORD_COLUMN_COUNT + 1));
     }
-    const auto keyOf = [&](std::int64_t keyId) -> KeyData& {
+    // Null for a key of another subsystem.
+    const auto find = [&](std::int64_t keyId) -> KeyData* {
         const auto found = std::ranges::lower_bound(ids, keyId);
-        if (found == ids.end() || *found != keyId) throw DatabaseError(mDatabase.Path() + ": is damaged");
-        return subsystem.keys[static_cast<std::size_t>(found - ids.begin())];
+        if (found == ids.end() || *found != keyId) return nullptr;
+        return &subsystem.keys[static_cast<std::size_t>(found - ids.begin())];
     };
     SqliteStatement indexes = mDatabase.Prepare(
-        "SELECT i.key_id, i.position, i.name, i.min, i.max, i.is_enum FROM key_index i "
-        "JOIN key k ON k.id = i.key_id WHERE k.subsystem_id = ? ORDER BY i.key_id, i.position");
+        "SELECT key_id, position, name, min, max, is_enum FROM key_index "
+        "WHERE key_id BETWEEN ? AND ? ORDER BY key_id, position");
     SqliteStatement values = mDatabase.Prepare(
         "SELECT name, value FROM key_index_value WHERE key_id = ? AND index_position = ? ORDER BY position");
-    indexes.Bind(id);
+    indexes.Bind(first, last);
     while (indexes.Step()) {
+        KeyData* const key = find(indexes.Number(0));
+        if (key == nullptr) continue;
         IndexData index{indexes.Text(2), indexes.Number(3), indexes.Number(4), indexes.Number(5) != 0, {}};
         index.values = Values(values.Bind(indexes.Number(0), indexes.Number(1)));
-        keyOf(indexes.Number(0)).indexes.push_back(std::move(index));
+        key->indexes.push_back(std::move(index));
     }
     SqliteStatement defaults = mDatabase.Prepare(
-        "SELECT d.key_id, d.indexes, d.value FROM default_value d JOIN key k ON k.id = d.key_id "
-        "WHERE k.subsystem_id = ? ORDER BY d.key_id, d.position");
-    defaults.Bind(id);
+        "SELECT key_id, indexes, value FROM default_value "
+        "WHERE key_id BETWEEN ? AND ? ORDER BY key_id, position");
+    defaults.Bind(first, last);
     while (defaults.Step()) {
-        keyOf(defaults.Number(0)).defaults.push_back({defaults.Text(1), defaults.Text(2), {}});
+        KeyData* const key = find(defaults.Number(0));
+        if (key != nullptr) key->defaults.push_back({defaults.Text(1), defaults.Text(2), {}});
     }
 }
 

@@ -8,9 +8,7 @@ namespace VemoKesConfigTools::metadb {
 
 void Sqlite::Closer::operator()(sqlite3* database) const noexcept { sqlite3_close_v2(database); }
 
-void SqliteStatement::Finalizer::operator()(sqlite3_stmt* statement) const noexcept {
-    sqlite3_finalize(statement);
-}
+void Sqlite::Finalizer::operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
 
 Sqlite::Sqlite(const std::string& path, Mode mode) : mPath(path) {
     std::error_code ignored;
@@ -37,10 +35,11 @@ std::int64_t Sqlite::Number(const char* sql) {
 }
 
 SqliteStatement Sqlite::Prepare(const char* sql) {
+    if (auto idle = mIdle.extract(sql)) return {*this, sql, std::move(idle.mapped())};
     sqlite3_stmt* statement = nullptr;
     const int code = sqlite3_prepare_v2(mpDatabase.get(), sql, -1, &statement, nullptr);
     if (code != SQLITE_OK) Fail(code);
-    return {*this, statement};
+    return {*this, sql, Statement(statement)};
 }
 
 std::int64_t Sqlite::LastRowId() const { return sqlite3_last_insert_rowid(mpDatabase.get()); }
@@ -48,6 +47,11 @@ std::int64_t Sqlite::LastRowId() const { return sqlite3_last_insert_rowid(mpData
 void Sqlite::Fail(int code) const {
     const char* text = mpDatabase ? sqlite3_errmsg(mpDatabase.get()) : sqlite3_errstr(code);
     throw DatabaseError(mPath + ": " + text);
+}
+
+SqliteStatement::~SqliteStatement() {
+    Reset();
+    mDatabase.mIdle.emplace(mSql, std::move(mpStatement));
 }
 
 bool SqliteStatement::Step() {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -30,6 +32,8 @@ public:
     void Execute(const char* sql);
     /// The one number that the statement gives.
     std::int64_t Number(const char* sql);
+    /// The text is a constant: a statement that is no longer used is kept, and serves the next who asks for
+    /// it.
     SqliteStatement Prepare(const char* sql);
     std::int64_t LastRowId() const;
 
@@ -38,18 +42,26 @@ public:
     const std::string& Path() const { return mPath; }
 
 private:
+    friend class SqliteStatement;
     struct Closer {
         void operator()(sqlite3* database) const noexcept;
     };
+    struct Finalizer {
+        void operator()(sqlite3_stmt* statement) const noexcept;
+    };
+    using Statement = std::unique_ptr<sqlite3_stmt, Finalizer>;
+
     std::string mPath;
     std::unique_ptr<sqlite3, Closer> mpDatabase;
+    std::multimap<const char*, Statement> mIdle;
 };
 
 /// A prepared statement. Its database must outlive it.
 class SqliteStatement {
 public:
-    SqliteStatement(const Sqlite& database, sqlite3_stmt* statement)
-        : mDatabase(database), mpStatement(statement) {}
+    SqliteStatement(const SqliteStatement&) = delete;
+    SqliteStatement& operator=(const SqliteStatement&) = delete;
+    ~SqliteStatement();
 
     /// Binds the arguments to the places of the statement, from the first.
     template <typename... Values>
@@ -69,15 +81,16 @@ public:
     std::int32_t Number32(int column) const { return static_cast<std::int32_t>(Number(column)); }
 
 private:
+    friend class Sqlite;
+    SqliteStatement(Sqlite& database, const char* sql, Sqlite::Statement statement)
+        : mDatabase(database), mSql(sql), mpStatement(std::move(statement)) {}
     void Reset();
     void BindOne(int position, std::int64_t value);
     void BindOne(int position, std::string_view value);
 
-    struct Finalizer {
-        void operator()(sqlite3_stmt* statement) const noexcept;
-    };
-    const Sqlite& mDatabase;
-    std::unique_ptr<sqlite3_stmt, Finalizer> mpStatement;
+    Sqlite& mDatabase;
+    const char* mSql;
+    Sqlite::Statement mpStatement;
 };
 
 }  // namespace VemoKesConfigTools::metadb
