@@ -2,8 +2,10 @@
 
 #include "FuzzFixture.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/CParserError.h"
+#include "kes/configtools/readerwriters/kestext/common/textparser/CUnicodeFile.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/LineFilters.h"
 #include "model/CSubsystemConfig.h"
+#include "support/PlainReading.h"
 
 #include <algorithm>
 #include <set>
@@ -100,6 +102,42 @@ void CheckRecovery(const Input& input, const std::vector<TextFinding>& findings)
     }
 }
 
+std::string Place(const CTextReader::Position& at) {
+    return std::to_string(at.line) + ":" + std::to_string(at.column) + " " + std::to_string(at.offset) +
+           (at.eof ? " end" : "");
+}
+
+/// Each character, position and end flag of the filters is that of the plain ones, with comments on and,
+/// between quotes, off.
+void CheckFilters(const std::string& text) {
+    std::istringstream stream(text);
+    CUnicodeFile file(&stream);
+    CConcatLineFilter joined(&file);
+    CLineCommentFilter uncommented(&joined, "#");
+    CBlockCommentFilter fast(&uncommented);
+    std::istringstream again(text);
+    CUnicodeFile plainFile(&again);
+    PlainChain plain(plainFile);
+    while (!plain.Eof()) {
+        const std::size_t ahead = plain.GetPosition().offset % 3 + 1;
+        if (fast.PeekString(ahead) != plain.PeekString(ahead))
+            Fault("a look ahead differs", text, Place(plain.GetPosition()));
+        const char expected = plain.GetChar();
+        const char c = fast.GetChar();
+        if (c != expected || Place(fast.GetPosition()) != Place(plain.GetPosition()))
+            Fault("the filters differ", text, Place(fast.GetPosition()) + " " + Place(plain.GetPosition()));
+        if (c == '"') gFiltersEnabled = !gFiltersEnabled;
+    }
+    gFiltersEnabled = true;
+}
+
+/// A line that is read straight from the text has the outcome that its tokens give.
+void CheckPlainReading(const Input& input) {
+    const std::string fast = Told<CKesConfigReader>(input.text, input.Context(), Keys());
+    const std::string plain = Told<PlainConfigReader>(input.text, input.Context(), Keys());
+    if (fast != plain) Fault("the plain reader tells another outcome", fast, plain);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -116,6 +154,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckModel(config, context);
 
     CTheMsgHnd::ActivateDebug(false);
+    CheckFilters(input.text);
+    CheckPlainReading(input);
     CheckReadingAgain(input, reading);
     CheckRecovery(input, watcher.findings);
     return 0;
