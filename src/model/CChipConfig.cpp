@@ -96,11 +96,10 @@ void CChipConfig::OnReadEnded(IConfigReader& reader, IConfigContext& context) {
         return again;
     });
     stores.splice(stores.end(), mStores);
-    if (stores.size() > met) {
-        stores.sort([](const CStoreInfo* left, const CStoreInfo* right) {
-            return DeviceRank(*left) < DeviceRank(*right);
-        });
-    }
+    const auto comesBefore = [](const CStoreInfo* left, const CStoreInfo* right) {
+        return DeviceRank(*left) < DeviceRank(*right);
+    };
+    if (stores.size() > met && !std::ranges::is_sorted(stores, comesBefore)) stores.sort(comesBefore);
     mStores = std::move(stores);
 }
 

@@ -75,8 +75,9 @@ bool CKesConfigReader::ReadStream(std::istream& stream, CKesContext& context) {
     } const running(mpParseContext, &pass);
 
     const std::unique_ptr<CParser> parser(CreateParser(&source));
-    pass.mpParser = static_cast<CKesParser*>(parser.get());
-    if (typeid(*parser) == typeid(CKesParser) && parser->Source() == &source) pass.mpParser->ReadPlainLines();
+    auto& kesParser = static_cast<CKesParser&>(*parser);
+    pass.mpParser = &kesParser;
+    if (typeid(kesParser) == typeid(CKesParser) && kesParser.Source() == &source) kesParser.ReadPlainLines();
     Collected errors;
     mpObserver->OnReadStarted(*this, context);
     RunPass(*parser, file, errors);

@@ -126,15 +126,13 @@ std::string CKesParser::GetErrorText(CParserError error) { return std::string(Pa
 
 CParserError CKesParser::ParseLine() {
     KESTEXT_TRACE(3, "CKesParser::ParseLine", "CKesParser - next line: %s", mpSource->PeekLine().c_str());
-    const CKesContext& context = *mpParseContext->mpConfigContext;
-    const bool hasPlace = context.HasPlace() && mpParseContext->mInfo.mSubsystem != -1;
-    if (CParserError result; mpPlain && hasPlace && ParsePlainLines(result)) return result;
+    if (CParserError result; mpPlain && ParsePlainLines(result)) return result;
     if (KEYWORD_STARTS.Holds(static_cast<unsigned char>(mpSource->PeekChar()))) {
         for (const Keyword& keyword : KEYWORDS) {
             if (MatchesWord(keyword.word)) return ParseKeywordLine(keyword);
         }
     }
-    return context.HasPlace() ? CParser::ParseLine() : IncompletePlace();
+    return mpParseContext->mpConfigContext->HasPlace() ? CParser::ParseLine() : IncompletePlace();
 }
 
 const CKesParser::Keyword* CKesParser::FindKeyword(std::string_view word) {

@@ -95,10 +95,15 @@ private:
     };
     static const std::array<Keyword, 5> KEYWORDS;
 
+    // The stores that a "file" line or a prefix can name.
+    static constexpr std::uint16_t FILE_STORE_FIRST = 1;
+    static constexpr std::uint16_t FILE_STORE_LAST = 15;
+
     static const Keyword* FindKeyword(std::string_view word);
     CParserError ParseKeywordLine(const Keyword& keyword);
     CParserError IncompletePlace();
     CParserError StartValue(std::size_t keywordLength);
+    void EnterPlace(const CStoreAddress& place);
     CParserError ParseFile(std::string& name, CStoreAddress& place);
     CParserError ParseSubsystem(std::string& name, CStoreAddress& place);
     CParserError ParseDevice(CStoreAddress& place);
@@ -108,8 +113,9 @@ private:
     /// Reads plain lines as far as they go, and the first that is none if its name was read. False when there
     /// was none, and nothing has happened.
     bool ParsePlainLines(CParserError& result);
-    bool ParsePlainLine(CPlainCursor& cursor, std::string_view text, CParserError& result);
-    bool TakePlainKey(CPlainCursor& cursor, std::string_view& name);
+    bool ParsePlainLine(CPlainCursor& cursor, CParserError& result);
+    bool TakePlainFile(CPlainCursor& cursor, CStoreAddress& place);
+    bool TakePlainKey(CPlainCursor& cursor);
     const std::vector<SubsystemName>& SubsystemNames();
     const SubsystemName* FindSubsystem(std::string_view word);
     std::string SubsystemList();

@@ -33,8 +33,6 @@ constexpr NamedNumber SUBSYSTEMS[] = {
 
 constexpr CCharSet VERSION_ENDS(" \t\n");
 constexpr CCharSet HEX_STORE_CHARS("xX0123456789ABCDEFabcdef");
-constexpr std::uint16_t FILE_STORE_FIRST = 1;
-constexpr std::uint16_t FILE_STORE_LAST = 15;
 
 template <typename Table>
 std::int32_t NumberOf(const Table& table, std::string_view name) {
@@ -72,13 +70,17 @@ CParserError CKesParser::DecodeFile() {
     } else if (result.mCode == PE_STORE_OUT_OF_RANGE) {
         result.SetDetail("Store should be between 1 and 15");
     }
-    if (!result.Ok()) return result;
+    if (result.Ok()) EnterPlace(place);
+    return result;
+}
+
+/// Makes a place that a "file" line names that of the lines that follow.
+void CKesParser::EnterPlace(const CStoreAddress& place) {
     mpParseContext->mInfo = place;
     CKesContext& context = *mpParseContext->mpConfigContext;
     context.SetSubsystemType(place.mSubsystem);
     context.SetDevice(place.mDevice);
     context.SetStore(place.mStore);
-    return result;
 }
 
 CParserError CKesParser::DecodeSubsystem() {
@@ -200,8 +202,9 @@ bool CKesParser::SurelyNoPrefix() {
 
 const std::vector<CKesParser::SubsystemName>& CKesParser::SubsystemNames() {
     if (!mSubsystemNamesKnown) {
-        for (const ISubsystemInfo* info :
-             mpParseContext->mpProvider->SubsystemInfos(*mpParseContext->mpConfigContext)) {
+        const auto& infos = mpParseContext->mpProvider->SubsystemInfos(*mpParseContext->mpConfigContext);
+        mSubsystemNames.reserve(infos.size());
+        for (const ISubsystemInfo* info : infos) {
             std::string name = info->Name();
             const std::int32_t type = NumberOf(SUBSYSTEMS, name);
             mSubsystemNames.push_back({std::move(name), info->Alias(), type});

@@ -1,6 +1,6 @@
 // Lines without a surprise, read straight from the text. It is what makes loading fast: nearly all lines of a
-// text are a known key, "=" and a good value. Such a line goes through no filter, makes no tokens and copies
-// nothing that is not kept.
+// text are a known key, "=" and a good value, most others name a place by "file". Such a line goes through no
+// filter, makes no tokens and copies nothing that is not kept.
 //
 // Why the outcome is the same: a line is taken only if the filters would change nothing of it but take a
 // comment from its end. The key's own `Action` looks it up and brings its place to the observers. A value is
@@ -12,14 +12,19 @@
 #include "kes/configtools/readerwriters/kestext/common/kesparser/CKesParser.h"
 #include "kes/configtools/readerwriters/kestext/common/kesparser/CPlainValue.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/CPlainCursor.h"
+#include "kes/configtools/readerwriters/kestext/common/textparser/ReadNumber.h"
 #include "messages/CTheMsgHnd.h"
 #include "model/CKesContext.h"
+#include "model/IStoreManager.h"
+#include "util/misc/ignorecase.h"
 
 #include <utility>
 
 namespace VemoKesConfigTools {
 
 namespace {
+
+constexpr CCharSet DIGITS("0123456789");
 
 /// Consumes what may stand behind a value: blanks, a comment, the newline. False for anything else, and for a
 /// comment that may go on in the next line.
@@ -49,18 +54,49 @@ CKesParser::~CKesParser() = default;
 
 void CKesParser::ReadPlainLines() { mpPlain = std::make_unique<PlainLines>(mpSource, mpParseContext); }
 
-bool CKesParser::TakePlainKey(CPlainCursor& cursor, std::string_view& name) {
-    static constexpr CCharSet DIGITS("0123456789");
-    if (DIGITS.Holds(cursor.Peek())) return false;
-    const std::string_view word = cursor.TakeAll(KEYWORD_CHARS);
-    const std::string_view rest = cursor.TakeAll(NAME_CHARS);
-    name = {word.data(), word.size() + rest.size()};
+/// Consumes a whole line that names a place by "file". After a refusal the cursor stands anywhere.
+bool CKesParser::TakePlainFile(CPlainCursor& cursor, CStoreAddress& place) {
+    if (!EqualsIgnoringCase(cursor.TakeAll(KEYWORD_CHARS), "file")) return false;
+    cursor.SkipBlanks();
+    if (!cursor.Take('=')) return false;
+    cursor.SkipBlanks();
+    const SubsystemName* subsystem = FindSubsystem(cursor.TakeAll(KEYWORD_CHARS));
+    std::uint16_t store = FILE_STORE_FIRST;
+    std::uint16_t digits = 0;
+    if (DIGITS.Holds(cursor.Peek()) && ReadDecimalNumberAt<std::uint16_t>(cursor, store, digits) != PE_NONE)
+        return false;
+    if (subsystem == nullptr || subsystem->type == -1) return false;
+    if (store < FILE_STORE_FIRST || store > FILE_STORE_LAST) return false;
+    place = {subsystem->type, IStoreManager::DEVICE_EEPROM, store};
+    return TakeLineEnd(cursor);
+}
+
+/// Consumes a key, by name or number, in front of "=". After a refusal the cursor stands anywhere.
+bool CKesParser::TakePlainKey(CPlainCursor& cursor) {
+    const CKesContext& context = *mpParseContext->mpConfigContext;
+    if (mpParseContext->mInfo.mSubsystem == -1 || !context.HasPlace()) return false;
+    CKesName& name = mpPlain->name;
+    name.mId = 0;
+    name.mKeyName.clear();
+    if (DIGITS.Holds(cursor.Peek())) {
+        std::uint16_t digits = 0;
+        if (cursor.TakeHexPrefix() ||
+            ReadDecimalNumberAt<std::uint32_t>(cursor, name.mId, digits) != PE_NONE) {
+            return false;
+        }
+    } else {
+        const std::string_view word = cursor.TakeAll(KEYWORD_CHARS);
+        const std::string_view rest = cursor.TakeAll(NAME_CHARS);
+        name.mKeyName.assign(word.data(), word.size() + rest.size());
+        // A number behind a subsystem may be that of a store, even if no key of its place follows.
+        if (name.mKeyName.empty() || FindKeyword(name.mKeyName) != nullptr) return false;
+        if (!rest.empty() && FindSubsystem(word) != nullptr) return false;
+    }
     const char* const end = cursor.At();
     cursor.SkipBlanks();
-    const bool isKey = !name.empty() && cursor.Peek() == '=';
+    const bool isKey = cursor.Peek() == '=';
     cursor.MoveTo(end);
-    // A number behind a subsystem may be that of a store, even if no key of its place follows.
-    return isKey && FindKeyword(name) == nullptr && (rest.empty() || FindSubsystem(word) == nullptr);
+    return isKey;
 }
 
 bool CKesParser::ParsePlainLines(CParserError& result) {
@@ -69,22 +105,33 @@ bool CKesParser::ParsePlainLines(CParserError& result) {
     CPlainCursor cursor(text);
     std::uint32_t line = start.line;
     const char* lineBegin = text.data() - start.column;
+    const auto offsetOf = [&](const char* at) {
+        return start.offset + static_cast<std::size_t>(at - text.data());
+    };
     const auto moveTo = [&](const char* at) {
-        mpSource->SetPosition({line, static_cast<std::uint32_t>(at - lineBegin),
-                               start.offset + static_cast<std::size_t>(at - text.data()), false});
+        mpSource->SetPosition({line, static_cast<std::uint32_t>(at - lineBegin), offsetOf(at), false});
     };
 
     const char* at = cursor.At();
-    std::string_view name;
     // A trace shows each line that is looked at, so it needs the tokens.
-    while (!CTheMsgHnd::DebugActivated() && TakePlainKey(cursor, name)) {
-        BeginLine(start.offset + static_cast<std::size_t>(at - text.data()));
-        if (!ParsePlainLine(cursor, name, result)) {
-            moveTo(name.data() + name.size());
-            if (result.Ok() || result.mCode == PE_UNKNOWN_NAME)
-                result = ParseBehindName(mpPlain->name, result);
-            result = FinishLine(&mpPlain->name, std::move(result));
-            return true;
+    while (!CTheMsgHnd::DebugActivated()) {
+        CStoreAddress place;
+        if (TakePlainKey(cursor)) {
+            BeginLine(offsetOf(at));
+            const char* const behindName = cursor.At();
+            if (!ParsePlainLine(cursor, result)) {
+                moveTo(behindName);
+                const CKesName& name = mpPlain->name;
+                if (result.Ok() || result.mCode == PE_UNKNOWN_NAME) result = ParseBehindName(name, result);
+                result = FinishLine(&name, std::move(result));
+                return true;
+            }
+        } else if (cursor.MoveTo(at); TakePlainFile(cursor, place)) {
+            BeginLine(offsetOf(at));
+            EnterPlace(place);
+            SetSubsystem();
+        } else {
+            break;
         }
         do {
             ++line;
@@ -101,13 +148,11 @@ bool CKesParser::ParsePlainLines(CParserError& result) {
 
 /// Reads and delivers one line, from behind its name on. When it is not plain, `result` is what the name
 /// gave.
-bool CKesParser::ParsePlainLine(CPlainCursor& cursor, std::string_view text, CParserError& result) {
+bool CKesParser::ParsePlainLine(CPlainCursor& cursor, CParserError& result) {
     CKesName& name = mpPlain->name;
-    name.mKeyName.assign(text);
-    name.mId = 0;
     mpParseContext->mPrefix.mSubsystem = -1;
     result = name.Action();
-    if (!result.Ok()) return false;
+    if (!result.Ok() || name.mId == 0) return false;
     const IMetadata& metadata = mpParseContext->ByName(name.mKeyName);
     cursor.SkipBlanks();
     cursor.Skip();

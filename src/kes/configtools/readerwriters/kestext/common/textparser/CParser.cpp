@@ -19,6 +19,11 @@ CParserError CParser::Parse() {
     CParserError result;
     KESTEXT_SENTRY_RETURNING("CParser::Parse", result);
     while (!mpSource->Eof() && result.Ok()) {
+        // Behind the last character there is nothing for a filter to look at.
+        if (mpSource->Bottom()->PlainRun().empty()) {
+            mpSource->Bottom()->GetChar();
+            continue;
+        }
         SkipWhitespace();
         if (mpSource->AtLineEnd()) {
             mpSource->SkipLine();
