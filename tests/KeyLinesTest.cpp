@@ -1,9 +1,10 @@
 // Lines of key, delimiter and value: how a key is found, what an empty value does, and what a bad line leaves
 // behind. Where nothing else is said, the lines stand behind a keyword line, from line 2 of their text on.
 
-#include "support/TextReading.h"
+#include "support/PlainReading.h"
 
 #include <gtest/gtest.h>
+#include <random>
 
 namespace {
 
@@ -169,6 +170,69 @@ TEST(KeyLines, ARawValueForgivesTheErrorOfItsLookup) {
     const Reading reading = Read("file=audio\n1234 = % 1 %", provider);
     EXPECT_EQ(reading.error, "");
     EXPECT_EQ(reading.dump, "[3/15/1 1234=u64:1]");
+}
+
+/// What is read straight from the text has the outcome that its tokens give: random lines of the pieces on
+/// which the two could part.
+TEST(KeyLines, PlainLinesHaveTheOutcomeOfTheirTokens) {
+    const std::vector<std::string> keys = {
+        "u8",           "u16",       "i8",      "i32",      "u64",   "whole", "blob", "dev_name",
+        "mode",         "words",     "two",     "modes",    "names", "1",     "0x2",  "0",
+        "4294967296",   "no_number", "audio16", "audio15x", "bt",    "store", "file", "nothing",
+        "rf_table.1.2", "bt2.u8",    "_x",      "u8 ",      "\tu8"};
+    const std::vector<std::string> values = {"1",
+                                             "0x7F",
+                                             "-1",
+                                             "+3",
+                                             "256",
+                                             "0x",
+                                             "",
+                                             "MODE_A",
+                                             "mode_fast",
+                                             "3",
+                                             "MODE-X",
+                                             "[ 01 0203 ]",
+                                             "[]",
+                                             "[ 1 ]",
+                                             "\"text\"",
+                                             "\"# /* \"",
+                                             "\"a\\n\"",
+                                             "\"open",
+                                             "{1, 2}",
+                                             "{ 1 ,2,3 }",
+                                             "{}",
+                                             "{1 2}",
+                                             "{1, 2, 3, 4}",
+                                             "{MODE_A}",
+                                             "{\"a\", \"b\"}",
+                                             "% 1 %",
+                                             "/* c */ 5",
+                                             "5 /* c */",
+                                             "5 # c",
+                                             "5 # c\\",
+                                             "\\\n5",
+                                             "5 6",
+                                             "bt3",
+                                             "bt16",
+                                             "x"};
+    const std::vector<std::string> between = {" = ", "=", " ", " =", "\t=\t", "/**/=", " \\\n= ", ": "};
+    const std::vector<std::string> ends = {"\n",        "\n",        "\n\n  \n", " \n# c\n",
+                                           "  # c\r\n", "\n# c\\\n", "",         "\n/* c\n*/"};
+    std::mt19937 random(7);
+    const auto pick = [&](const std::vector<std::string>& from) {
+        return from[std::uniform_int_distribution<std::size_t>(0, from.size() - 1)(random)];
+    };
+    for (int round = 0; round < 3000; ++round) {
+        std::string text = round % 3 == 0   ? "file=audio\n"
+                           : round % 3 == 1 ? "FILE = bt2 # c\n"
+                                            : "subsystem=bt\n";
+        for (int line = 0; line < 6; ++line) text += pick(keys) + pick(between) + pick(values) + pick(ends);
+        CKesContext context = OverwriteContext();
+        if (round % 2 == 0) context.SetTag(STR_INSERT_MODE, STR_APPEND);
+        ASSERT_EQ(Told<CKesConfigReader>(text, context, TextKeys()),
+                  Told<PlainConfigReader>(text, context, TextKeys()))
+            << text;
+    }
 }
 
 }  // namespace

@@ -8,7 +8,9 @@
 
 #include <cstring>
 #include <gtest/gtest.h>
+#include <map>
 #include <memory>
+#include <random>
 
 namespace {
 
@@ -267,6 +269,46 @@ void FillLayers(FakeReader& reader, CChipConfig& config) {
     for (const std::uint32_t psid : {7U, 8U}) reader.Find(config, context, NewElement(psid, 2, {9}));
     context.SetLayerNumber(20);
     reader.Find(config, context, NewElement(8, 20));
+}
+
+/// Sets, appends and removals in any order leave what plain lists of values leave: few keys, so that they
+/// meet, and many, so that the table grows and closes up its gaps.
+TEST(ChipConfig, KeysAreThoseThatCameAndDidNotGo) {
+    for (const std::uint32_t range : {5U, 3000U}) {
+        CSubsystemConfig place(PlaceContext(SUBSYSTEM_BT, 15, 1));
+        std::map<std::pair<std::uint32_t, std::vector<std::uint32_t>>, std::vector<int>> expected;
+        std::mt19937 random(range);
+        for (int step = 0; step < 20000; ++step) {
+            const auto psid = static_cast<std::uint32_t>(16 * (1 + random() % range));
+            const std::vector<std::uint32_t> indices(random() % 3, psid % 5);
+            const int value = static_cast<int>(random() % 256);
+            std::vector<int>& values = expected[{psid, indices}];
+            CKesContext context;
+            switch (random() % 4) {
+                case 0:
+                    place.RemoveElement(psid, &indices);
+                    values.clear();
+                    break;
+                case 1:
+                    context.SetTag(STR_INSERT_MODE, STR_APPEND);
+                    place.OnElementFound(NewElement(psid, static_cast<std::uint8_t>(value), indices),
+                                         context);
+                    values.push_back(value);
+                    break;
+                default:
+                    place.OnElementFound(NewElement(psid, static_cast<std::uint8_t>(value), indices),
+                                         context);
+                    values = {value};
+            }
+            const CElement* found = place.Find(psid, indices);
+            ASSERT_EQ(found == nullptr, values.empty());
+            if (found != nullptr)
+                ASSERT_EQ(found->Payloads().front()->ToString(), std::to_string(values.back()));
+        }
+        std::size_t count = 0;
+        for (const auto& [key, values] : expected) count += values.size();
+        EXPECT_EQ(place.Elements().size(), count);
+    }
 }
 
 TEST(ChipConfig, LayersAnswerToTheQuestionsMeantForThem) {
