@@ -1,7 +1,8 @@
 """Runs the benchmarks side by side and prints one table: compare.py BUILD [--runs N] [--smoke].
 
-Each round runs every benchmark once, each in a process of its own, forwards and backwards in turn, so that what
-disturbs the machine for a while hits all alike. A figure is the median of the rounds.
+Each round runs every benchmark once, forwards and backwards in turn, so that what disturbs the machine for a while hits
+all alike. Each library and size has a process of its own, in which loading comes first. A figure is the median of the
+rounds.
 """
 
 import argparse
@@ -37,15 +38,19 @@ def arguments():
     return options
 
 
-def run_benchmark(build, name, smoke):
-    """One benchmark in one process; its record as Google Benchmark gives it."""
-    command = [os.path.join(build, "bin", "kes_bench"), f"--benchmark_filter=^{escape(name)}$", "--benchmark_format=json"]
+def run_benchmarks(build, names, smoke):
+    """Some benchmarks in one process; their records as Google Benchmark gives them, by name."""
+    pattern = "|".join(escape(name) for name in names)
+    command = [os.path.join(build, "bin", "kes_bench"), f"--benchmark_filter=^({pattern})$", "--benchmark_format=json"]
     command.append(f"--benchmark_min_time={0.001 if smoke else 0.3}")
-    output = subprocess.run(command, check=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True).stdout
-    records = json.loads(output)["benchmarks"]
-    if len(records) != 1 or records[0].get("error_occurred"):
-        sys.exit(f"bench: {name}: {records[0].get('error_message', 'no result') if records else 'no such benchmark'}")
-    return records[0]
+    process = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+    if process.returncode != 0:
+        sys.exit(f"bench: {', '.join(names)}: {process.stderr.strip()}")
+    records = {record["name"]: record for record in json.loads(process.stdout or '{"benchmarks": []}')["benchmarks"]}
+    for name in names:
+        if name not in records or records[name].get("error_occurred"):
+            sys.exit(f"bench: {name}: {records.get(name, {}).get('error_message', 'no such benchmark')}")
+    return records
 
 
 def escape(name):
@@ -75,19 +80,22 @@ def check_command(build, repeats):
 def collect(options):
     keys = 1000 if options.smoke else 100000
     growth = [10, 1000, 10000] if options.smoke else [10, 1000, 10000, 100000, 1000000]
-    names = [f"{operation}/{library}/{keys}" for library in LIBRARIES for operation in dict.fromkeys(r[1] for r in ROWS)]
-    names += [f"{operation}/kes/{size}" for size in growth for operation in ("Load", "Set", "Get")]
-    names += [f"ListMetadata/{keys}", f"LoadChunks/{keys}"]
-    names = list(dict.fromkeys(names))
-    results = {name: [] for name in names}
+    groups = [[f"{operation}/kes/{size}" for operation in ("Load", "Set", "Get")] for size in growth if size != keys]
+    groups += [[f"{operation}/{library}/{keys}" for operation in dict.fromkeys(row[1] for row in ROWS)]
+               for library in LIBRARIES]
+    groups += [[f"ListMetadata/{keys}"], [f"LoadChunks/{keys}"]]
+    results = {name: [] for group in groups for name in group}
     results["kes check"] = []
     runs = 1 if options.smoke else options.runs
     for run in range(runs):
-        for name in names if run % 2 == 0 else reversed(names):
-            print(f"bench: round {run + 1} of {runs}: {name}".ljust(79), end="\r", file=sys.stderr)
-            results[name].append(run_benchmark(options.build, name, options.smoke))
+        for names in groups if run % 2 == 0 else reversed(groups):
+            if sys.stderr.isatty():
+                print(f"bench: round {run + 1} of {runs}: {names[0]}".ljust(79), end="\r", file=sys.stderr)
+            for name, record in run_benchmarks(options.build, names, options.smoke).items():
+                results[name].append(record)
         results["kes check"].append({"real_time": check_command(options.build, 5 if options.smoke else 40)})
-    print("".ljust(79), end="\r", file=sys.stderr)
+    if sys.stderr.isatty():
+        print("".ljust(79), end="\r", file=sys.stderr)
     return keys, growth, results
 
 
