@@ -60,7 +60,7 @@ const CSubsystemConfig::Positions& CSubsystemConfig::OthersOf(ElementList::itera
 
 void CSubsystemConfig::DropOthers(ElementList::iterator first) {
     if (mOthers.empty()) return;
-    for (const ElementList::iterator other : OthersOf(first)) {
+    for (const auto other : OthersOf(first)) {
         delete *other;
         mElements.erase(other);
     }

@@ -46,10 +46,30 @@ const IMetadata& CLoadedSubsystem::ByUid(std::uint32_t uid) const {
     return found == mByUid.end() ? CNullMetadata::Ref() : *found->second;
 }
 
-const IMetadata& CLoadedSubsystem::ByPsid(std::uint32_t psid) const { return RecordOrNull(FindPsid(psid)); }
+const IMetadata& CLoadedSubsystem::ByPsid(std::uint32_t psid) const {
+    return Look([&](const CSqliteMetadata& record) { return record.Psid() == psid; },
+                [&] { return FindPsid(psid); });
+}
 
 const IMetadata& CLoadedSubsystem::ByName(std::string_view name) const {
-    return RecordOrNull(FindName(name));
+    return Look([&](const CSqliteMetadata& record) { return record.NameText() == name; },
+                [&] { return FindName(name); });
+}
+
+/// Most questions are about the record of the last one again, or the next, since texts and configurations
+/// mostly have the order of the database. These two are in the caches already, the index is not.
+template <typename IsIt, typename Find>
+const IMetadata& CLoadedSubsystem::Look(IsIt isIt, Find find) const {
+    for (std::uint32_t i = mLastFound; i < mRecords.size() && i <= mLastFound + 1; ++i) {
+        // Keys without a number, like struct fields, are left to the index.
+        if (mRecords[i].Psid() == 0 || !isIt(mRecords[i])) continue;
+        mLastFound = i;
+        return mRecords[i];
+    }
+    const std::uint32_t found = find();
+    if (found == CRecordIndex::NONE) return CNullMetadata::Ref();
+    mLastFound = found;
+    return mRecords[found];
 }
 
 std::uint32_t CLoadedSubsystem::FindPsid(std::uint32_t psid) const {
@@ -58,11 +78,6 @@ std::uint32_t CLoadedSubsystem::FindPsid(std::uint32_t psid) const {
 
 std::uint32_t CLoadedSubsystem::FindName(std::string_view name) const {
     return mByName.Find(HashOf(name), [&](std::uint32_t i) { return mRecords[i].NameText() == name; });
-}
-
-const IMetadata& CLoadedSubsystem::RecordOrNull(std::uint32_t number) const {
-    if (number == CRecordIndex::NONE) return CNullMetadata::Ref();
-    return mRecords[number];
 }
 
 CLoadedSubsystem::Type CLoadedSubsystem::TypeOf(const std::string& name) const {

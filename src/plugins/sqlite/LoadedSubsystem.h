@@ -46,7 +46,8 @@ private:
                       const std::vector<metadb::IndexData>& indexes);
     std::uint32_t FindPsid(std::uint32_t psid) const;
     std::uint32_t FindName(std::string_view name) const;
-    const IMetadata& RecordOrNull(std::uint32_t number) const;
+    template <typename IsIt, typename Find>
+    const IMetadata& Look(IsIt isIt, Find find) const;
 
     std::map<std::string, Type> mTypes;
     std::vector<std::unique_ptr<IMetadataDetail>> mDetails;
@@ -57,7 +58,7 @@ private:
     std::map<std::int32_t, const IMetadata*> mByUid;
     CRecordIndex mByPsid;
     CRecordIndex mByName;
-    mutable std::uint32_t mLastNamed = 0;  ///< the record that `ByName` gave last
+    mutable std::uint32_t mLastFound = 0;  ///< the record that was found last
     std::string mDefaultLines;
 };
 

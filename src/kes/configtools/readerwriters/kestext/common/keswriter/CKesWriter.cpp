@@ -265,10 +265,11 @@ void CKesWriter::BeginElement(IConfigContext& context) {
 
 void CKesWriter::WriteUid(std::uint32_t uid, IConfigContext& context) {
     KESWRITER_SENTRY("CKesWriter::WriteUid");
-    mUid = uid;
+    mIsArray = false;
     if (mpProvider != nullptr) {
         const IMetadata& metadata = mpProvider->MetadataByPsid(uid, context, false);
         if (metadata.IsValid()) {
+            mIsArray = metadata.IsArray();
             const std::string label = mSimple ? std::string() : metadata.Label();
             if (!label.empty()) mBuffer.append("\n# ").append(label).append("\n");
             mBuffer += metadata.Name();
@@ -289,21 +290,17 @@ void CKesWriter::WriteHeaderInfo(const std::string& name, const void* value, std
     CKesFormat::AppendDecimal(mBuffer, std::int64_t{index});
 }
 
-void CKesWriter::EndElement(IConfigContext& context) {
+void CKesWriter::EndElement(IConfigContext& /*context*/) {
     KESWRITER_SENTRY("CKesWriter::EndElement");
     if (mNoPayloadYet) {
         mBuffer.clear();
     } else if (mRaw) {
         mBuffer += " %";
-    } else if (IsArrayKey(context)) {
+    } else if (mIsArray) {
         mBuffer += '}';
     }
     WriteOut(mBuffer += '\n');
     mBuffer.clear();
-}
-
-bool CKesWriter::IsArrayKey(IConfigContext& context) const {
-    return mpProvider != nullptr && mpProvider->MetadataByPsid(mUid, context, false).IsArray();
 }
 
 void CKesWriter::WritePayload(IPayload& payload, IConfigContext& context) {
@@ -322,7 +319,7 @@ void CKesWriter::BeginValue(const IPayload& payload, IConfigContext& context) {
     mBuffer += " = ";
     if (mRaw) {
         mBuffer += "% ";
-    } else if (IsArrayKey(context)) {
+    } else if (mIsArray) {
         mArrayOpen = true;
         mBuffer += '{';
     }

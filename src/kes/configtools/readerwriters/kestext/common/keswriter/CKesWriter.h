@@ -53,7 +53,6 @@ private:
 
     void OpenFile();
     void WriteOut(std::string_view text);
-    bool IsArrayKey(IConfigContext& context) const;
 
     void BeginValue(const IPayload& payload, IConfigContext& context);
     void AppendSeparator(const IPayload& payload);
@@ -69,8 +68,8 @@ private:
 
     std::ostream* mpStream;
     IMetadataProvider* mpProvider;
-    std::string mBuffer;  ///< the text of the element being composed
-    std::uint32_t mUid = 0;
+    std::string mBuffer;                 ///< the text of the element being composed
+    bool mIsArray = false;               ///< the key of the element is an array
     std::string mFileName;               ///< empty when the writer works on a stream
     bool mFirstField = true;             ///< the next value needs no separator in front of it
     bool mNoPayloadYet = true;           ///< the element has not received a payload
