@@ -2,6 +2,7 @@
 
 #include "messages/CTheMsgHnd.h"
 #include "metadb/MetadataDatabase.h"
+#include "metadb/Sqlite.h"
 #include "model/CChipConfig.h"
 #include "model/CElement.h"
 #include "model/CKesContext.h"
@@ -21,6 +22,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
+#include <utility>
 
 using namespace VemoKesConfigTools;
 using KesTest::TempFolder;
@@ -132,6 +134,52 @@ TEST_F(MetadataProvider, AnswersByNumberByNameAndByUid) {
     EXPECT_TRUE(provider->SubsystemInfos(unknown).empty());
     EXPECT_EQ(provider->SubsystemInfos(bt).at(0)->Alias(), "blue");
     EXPECT_EQ(provider->ChipInfos(bt).at(0)->ChipId(), "75");
+    EXPECT_EQ(LastError(), "");
+}
+
+TEST_F(MetadataProvider, OfKeysThatShareANumberTheFirstIsMeant) {
+    metadb::SystemData system;
+    system.label = "s1";
+    metadb::SubsystemData& bt = system.subsystems.emplace_back();
+    bt.name = "bt";
+    std::int32_t uid = 0;
+    for (const auto& [name, psid] : {std::pair("a", 1U), {"first", 5U}, {"second", 5U}, {"z", 6U}}) {
+        metadb::KeyData& key = bt.keys.emplace_back();
+        key.uid = ++uid;
+        key.name = name;
+        key.type = "uint8";
+        key.psid = psid;
+    }
+    metadb::WriteDatabase(mFolder / "twins.db", {system});
+    const auto provider = Open(mFolder / "twins.db");
+    CKesContext context = At("s1", SUBSYSTEM_BT);
+    // What was asked before must make no difference.
+    for (const char* before : {"a", "first", "second", "z"}) {
+        EXPECT_EQ(provider->MetadataByName(before, context, false).Name(), before);
+        EXPECT_EQ(provider->MetadataByPsid(5, context, false).Name(), "first") << "behind " << before;
+    }
+}
+
+TEST_F(MetadataProvider, KeysOfASubsystemNeedNotStandSideBySide) {
+    const std::string path = Small();
+    {
+        metadb::Sqlite database(path, metadb::Sqlite::Mode::Create);
+        // A key of another subsystem comes between the two.
+        database.Execute(
+            "UPDATE key SET id = 9 WHERE name = 'link';"
+            "INSERT INTO subsystem SELECT 2, system_id, 'wlan', '', '', '', '', '', '', 0 FROM subsystem;"
+            "INSERT INTO key SELECT 5, 2, uid + 10, 'other', type, label, description, description_internal, "
+            "format, min, max, units, access, internal, is_array, array_min, array_max, oid, source, 8 "
+            "FROM key WHERE name = 'mode';"
+            "INSERT INTO default_value VALUES (5, 0, '', 'SLOW');"
+            "INSERT INTO key_index VALUES (5, 0, 'row', 0, 0, 0);");
+    }
+    const auto provider = Open(path);
+    CKesContext bt = At("s1", SUBSYSTEM_BT);
+    EXPECT_EQ(provider->MetadataByName("mode", bt, true).NumIndexes(), 2U);
+    EXPECT_EQ(provider->MetadataByPsid(7, bt, true).Name(), "link");
+    EXPECT_EQ(provider->MetadataList(bt, true).size(), 4U);
+    EXPECT_FALSE(provider->MetadataByName("other", bt, true).IsValid());
     EXPECT_EQ(LastError(), "");
 }
 

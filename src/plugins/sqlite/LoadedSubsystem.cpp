@@ -36,8 +36,14 @@ CLoadedSubsystem::CLoadedSubsystem(const metadb::SubsystemData& data)
             mDefaultLines.append(" = ").append(value.value).append("\n");
         }
         const std::uint32_t record = Add(key, key.psid, key.indexes);
-        if (key.psid != 0 && FindPsid(key.psid) == CRecordIndex::NONE) mByPsid.Add(HashOf(key.psid), record);
-        if (FindName(key.name) == CRecordIndex::NONE) mByName.Add(HashOf(key.name), record);
+        if (key.psid != 0) {
+            if (FindPsid(key.psid) == CRecordIndex::NONE) {
+                mByPsid.Add(HashOf(key.psid), record);
+            } else {
+                mHasTwins = true;
+            }
+        }
+        mByName.Add(HashOf(key.name), record);
     }
 }
 
@@ -60,7 +66,7 @@ const IMetadata& CLoadedSubsystem::ByName(std::string_view name) const {
 /// mostly have the order of the database. These two are in the caches already, the index is not.
 template <typename IsIt, typename Find>
 const IMetadata& CLoadedSubsystem::Look(IsIt isIt, Find find) const {
-    for (std::uint32_t i = mLastFound; i < mRecords.size() && i <= mLastFound + 1; ++i) {
+    for (std::uint32_t i = mLastFound; !mHasTwins && i < mRecords.size() && i <= mLastFound + 1; ++i) {
         // Keys without a number, like struct fields, are left to the index.
         if (mRecords[i].Psid() == 0 || !isIt(mRecords[i])) continue;
         mLastFound = i;

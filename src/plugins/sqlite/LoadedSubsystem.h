@@ -58,6 +58,7 @@ private:
     std::map<std::int32_t, const IMetadata*> mByUid;
     CRecordIndex mByPsid;
     CRecordIndex mByName;
+    bool mHasTwins = false;                ///< keys share a number, of which the first is meant
     mutable std::uint32_t mLastFound = 0;  ///< the record that was found last
     std::string mDefaultLines;
 };
