@@ -18,6 +18,7 @@ std::string_view CTextPool::Keep(std::string_view text) {
 }
 
 std::string_view CTextPool::Share(std::string_view text) {
+    if (text.empty()) return {};
     const auto known = mShared.find(text);
     return known != mShared.end() ? *known : *mShared.insert(Keep(text)).first;
 }
