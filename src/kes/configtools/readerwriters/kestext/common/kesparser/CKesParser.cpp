@@ -135,11 +135,10 @@ CParserError CKesParser::ParseLine() {
     return mpParseContext->mpConfigContext->HasPlace() ? CParser::ParseLine() : IncompletePlace();
 }
 
-const CKesParser::Keyword* CKesParser::FindKeyword(std::string_view word) {
-    if (!KEYWORD_STARTS.Holds(static_cast<unsigned char>(word.front()))) return nullptr;
-    const auto* found = std::ranges::find_if(
-        KEYWORDS, [&](const Keyword& keyword) { return EqualsIgnoringCase(keyword.word, word); });
-    return found == KEYWORDS.end() ? nullptr : found;
+bool CKesParser::IsKeyword(std::string_view word) {
+    return KEYWORD_STARTS.Holds(static_cast<unsigned char>(word.front())) &&
+           std::ranges::any_of(
+               KEYWORDS, [&](const Keyword& keyword) { return EqualsIgnoringCase(keyword.word, word); });
 }
 
 CParserError CKesParser::ParseKeywordLine(const Keyword& keyword) {

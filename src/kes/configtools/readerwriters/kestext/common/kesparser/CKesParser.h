@@ -99,7 +99,7 @@ private:
     static constexpr std::uint16_t FILE_STORE_FIRST = 1;
     static constexpr std::uint16_t FILE_STORE_LAST = 15;
 
-    static const Keyword* FindKeyword(std::string_view word);
+    static bool IsKeyword(std::string_view word);
     CParserError ParseKeywordLine(const Keyword& keyword);
     CParserError IncompletePlace();
     CParserError StartValue(std::size_t keywordLength);

@@ -89,7 +89,7 @@ bool CKesParser::TakePlainKey(CPlainCursor& cursor) {
         const std::string_view rest = cursor.TakeAll(NAME_CHARS);
         name.mKeyName.assign(word.data(), word.size() + rest.size());
         // A number behind a subsystem may be that of a store, even if no key of its place follows.
-        if (name.mKeyName.empty() || FindKeyword(name.mKeyName) != nullptr) return false;
+        if (name.mKeyName.empty() || IsKeyword(name.mKeyName)) return false;
         if (!rest.empty() && FindSubsystem(word) != nullptr) return false;
     }
     const char* const end = cursor.At();
