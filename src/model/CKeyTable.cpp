@@ -38,9 +38,9 @@ std::size_t CKeyTable::Search(const Key& key, std::uint32_t hash) const {
     return i;
 }
 
-CKeyTable::Position* CKeyTable::Find(const Key& key) {
+const CKeyTable::Position* CKeyTable::Find(const Key& key) const {
     if (mCount == 0) return nullptr;
-    Entry& entry = mEntries[Search(key, HashOf(key))];
+    const Entry& entry = mEntries[Search(key, HashOf(key))];
     return entry.hash == FREE ? nullptr : &entry.first;
 }
 

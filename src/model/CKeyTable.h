@@ -26,8 +26,7 @@ public:
     static Key KeyOf(const CElement& element);
 
     /// Where the key's first element is; null when it is not there. Valid until the table changes.
-    Position* Find(const Key& key);
-    const Position* Find(const Key& key) const { return const_cast<CKeyTable*>(this)->Find(key); }
+    const Position* Find(const Key& key) const;
     /// Adds the first element of a key that is not there.
     void Insert(const Key& key, Position first);
     /// Forgets a key that is there.

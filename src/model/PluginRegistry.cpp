@@ -51,17 +51,11 @@ std::vector<const KesPluginDescriptor*> PluginRegistry::Load(const std::string& 
     const std::string_view extension = PLUGIN_WILDCARD.substr(1);
     std::vector<std::string> paths;
     std::error_code failed;
-    // What stands in a folder whose name is canonical has a canonical name, unless it is a link.
-    const fs::path canonical = fs::canonical(folder, failed);
-    for (fs::directory_iterator entry = failed ? fs::directory_iterator()
-                                               : fs::directory_iterator(canonical, failed),
-                                end;
-         !failed && entry != end; entry.increment(failed)) {
-        std::string path = entry->path().string();
+    for (fs::directory_iterator entry(folder, failed), end; !failed && entry != end;
+         entry.increment(failed)) {
+        const std::string path = entry->path().string();
         std::error_code ignored;
-        if (!path.ends_with(extension) || !entry->is_regular_file(ignored)) continue;
-        if (entry->is_symlink(ignored)) path = fs::canonical(path, ignored).string();
-        paths.push_back(std::move(path));
+        if (path.ends_with(extension) && entry->is_regular_file(ignored)) paths.push_back(path);
     }
     if (failed) TraceLeftOut(folder, failed.message());
     std::ranges::sort(paths);
