@@ -123,6 +123,7 @@ TEST(ChunkFiles, GiveBackStructsWithRawFields) {
     const auto& words = provider.Field("words", "uint16").Range(0, 9).Array(1, 2);
     const auto& mode = provider.Field("mode", "MODE").Enum({{"MODE_A", 0}, {"MODE_B", 1}});
     provider.Key(1, "all", "ALL").Struct({{&blob, 24}, {&words, 32}, {&mode, 8}});
+    provider.Key(2, "list", "ALL").Struct({{&blob, 24}, {&words, 32}, {&mode, 8}}).Array(1, 2);
     const TempFolder folder;
     const auto comesBack = [&](CChipConfig& config, const std::string& what) {
         ASSERT_TRUE(Save(config, folder / "chunks", provider)) << Messages::LastError();
@@ -154,6 +155,12 @@ TEST(ChunkFiles, GiveBackStructsWithRawFields) {
         ASSERT_EQ(LoadInto(config, folder.Write("made.kcf", chunk), provider), "");
         comesBack(config, DumpBytes(last));
     }
+    // A raw item makes its neighbour raw, too, and within that there is nothing left to mark.
+    CChipConfig config;
+    const std::string chunk =
+        ChunkOf(Bytes({0, 2, 2, 0x39, 3}) + good + Bytes({0x1A, 0, 0x19, 3}) + good + Bytes({0x3A, 0}));
+    ASSERT_EQ(LoadInto(config, folder.Write("made.kcf", chunk), provider), "");
+    comesBack(config, "raw and other items");
 }
 
 constexpr const char* CORRUPT = "0 error converting data from or to a binary [the input seems corrupt]: ";

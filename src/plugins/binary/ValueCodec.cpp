@@ -47,9 +47,10 @@ T Value(const IPayload& payload) {
 
 void AppendValue(ByteWriter& bytes, const IPayload& payload, bool raw);
 
-void AppendComposite(ByteWriter& bytes, const CComplexPayload& composite) {
+void AppendComposite(ByteWriter& bytes, const CComplexPayload& composite, bool raw) {
     const std::vector<IPayload*>& items = composite.GetFields();
-    const FieldList* fields = FieldsOf(composite.Metadata());
+    // Within a raw value all is raw, and nothing needs a mark of its own.
+    const FieldList* fields = raw ? nullptr : FieldsOf(composite.Metadata());
     const bool known = fields != nullptr && fields->size() == items.size();
     bytes.Number(items.size());
     for (std::size_t i = 0; i < items.size(); ++i)
@@ -61,7 +62,7 @@ void AppendValue(ByteWriter& bytes, const IPayload& payload, bool raw) {
     const auto tag =
         static_cast<std::uint8_t>(payload.Type() | (composite != nullptr ? COMPOSITE : 0) | (raw ? RAW : 0));
     bytes.Fixed(tag);
-    if (composite != nullptr) return AppendComposite(bytes, *composite);
+    if (composite != nullptr) return AppendComposite(bytes, *composite, raw);
     switch (payload.Type()) {
         case PAYLOAD_TYPE_INT8:
             return bytes.Signed(Value<std::int8_t>(payload));
