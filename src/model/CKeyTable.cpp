@@ -49,6 +49,9 @@ void CKeyTable::Insert(const Key& key, Position first) {
     const std::uint32_t hash = HashOf(key);
     mEntries[Search(key, hash)] = {first, hash};
     ++mCount;
+    // Keys mostly come in ascending order, so the entry where the next one goes can be fetched meanwhile: in
+    // a large table it is in no cache.
+    __builtin_prefetch(&mEntries[HomeOf(HashOf({key.psid + 1, {}}))]);
 }
 
 void CKeyTable::Erase(const Key& key) {
