@@ -231,7 +231,7 @@ void Workload::WriteDatabase() const {
         for (; key < mKeys && PlaceOf(key) / 2 == i; ++key)
             subsystem.keys.push_back(MakeKey(At(key), ++uid, PsidOf(key)));
     }
-    metadb::WriteDatabase(Database(), {system});
+    std::ofstream(Database(), std::ios::binary) << metadb::SerializeDatabase({system});
 }
 
 std::string PlaceName(std::size_t place) {

@@ -111,7 +111,7 @@ TEST(Check, SaysPlainlyWhyItCannotWork) {
         {{"check", "--db", text, good}, 3, "kes: " + text + ": file is not a database"},
         {{"check", "--db", folder / "none", good},
          3,
-         "kes: " + (folder / "none") + ": unable to open database file"},
+         "kes: " + (folder / "none") + ": cannot be opened: No such file or directory"},
         {{"check", "--plugins", folder.Path(), good}, 3, "kes: no plug-in \"sqlite\" in " + folder.Path()},
         {{"check", "--chip", "ostrell_520", good},
          2,

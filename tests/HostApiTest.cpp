@@ -147,7 +147,7 @@ TEST_F(HostApi, ListsChipsSubsystemsAndKeys) {
 
 TEST_F(HostApi, AStoredErrorMakesKeyQueriesGiveNull) {
     NetMetadataProvider wrong(mFolder / "nowhere.db");
-    EXPECT_EQ(LastError(), "0 " + (mFolder / "nowhere.db") + ": unable to open database file");
+    EXPECT_EQ(LastError(), "0 " + (mFolder / "nowhere.db") + ": cannot be opened: No such file or directory");
     NetMetadataProvider provider(EXAMPLE_DATABASE);
     EXPECT_EQ(provider.GetMetadatas(LABEL, "", SUBSYSTEM_TYPE_BT), nullptr);
     EXPECT_EQ(provider.GetMetadataByName(LABEL, SUBSYSTEM_TYPE_BT, "bd_addr"), nullptr);

@@ -38,6 +38,13 @@ std::string ReadWhole(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+void WriteBytes(const OutputFile& output, const std::string& bytes) {
+    std::ofstream file(output.TemporaryPath(), std::ios::binary);
+    file << bytes;
+    file.close();
+    if (!file) throw Failure(EXIT_SYSTEM, output.TemporaryPath() + ": cannot be written");
+}
+
 int ReportFaults(const Globals& globals, const MetadataOptions& options,
                  const std::vector<metadb::SourceFault>& faults) {
     Diagnostics diagnostics(globals.noColor);
@@ -60,7 +67,7 @@ int Build(const Globals& globals, const MetadataOptions& options) {
 
     OutputFile output(options.output);
     try {
-        metadb::WriteDatabase(output.TemporaryPath(), systems);
+        WriteBytes(output, metadb::SerializeDatabase(systems));
         metadb::MetadataDatabase(output.TemporaryPath()).LoadAll();
     } catch (const metadb::DatabaseError& error) {
         throw Failure(EXIT_SYSTEM, error.what());
@@ -83,18 +90,12 @@ int Export(const MetadataOptions& options) {
         return EXIT_FINE;
     }
     OutputFile output(options.output);
-    std::ofstream file(output.TemporaryPath(), std::ios::binary);
-    file << text;
-    file.close();
-    if (!file) throw Failure(EXIT_SYSTEM, options.output + ": cannot be written");
+    WriteBytes(output, text);
     output.Commit();
     return EXIT_FINE;
 }
 
 int Check(const Globals& globals, const MetadataOptions& options) {
-    if (!std::ifstream(options.database)) {
-        throw Failure(EXIT_SYSTEM, options.database + ": cannot be opened: " + std::strerror(errno));
-    }
     Json document = JsonDocument("metadata check");
     document["file"] = options.database;
     Json& results = document["results"] = Json::array();
@@ -102,6 +103,8 @@ int Check(const Globals& globals, const MetadataOptions& options) {
         metadb::MetadataDatabase database(options.database);
         database.CheckFile();
         database.LoadAll();
+    } catch (const metadb::UnreadableFile& error) {
+        throw Failure(EXIT_SYSTEM, error.what());
     } catch (const metadb::DatabaseError& error) {
         results.push_back({{"severity", "error"}, {"message", error.what()}});
         // The text names the file already.

@@ -104,17 +104,20 @@ private:
 
 }  // namespace
 
-void WriteDatabase(const std::string& path, const std::vector<SystemData>& systems) {
-    Sqlite database(path, Sqlite::Mode::Create);
+std::string SerializeDatabase(const std::vector<SystemData>& systems) {
+    Sqlite database;
     database.Execute("PRAGMA foreign_keys = ON");
-    database.Execute("PRAGMA journal_mode = MEMORY");
     database.Execute("BEGIN");
     database.Execute(SCHEMA);
     database.Execute(("PRAGMA application_id = " + std::to_string(APPLICATION_ID)).c_str());
     database.Execute(("PRAGMA user_version = " + std::to_string(SCHEMA_VERSION)).c_str());
     Writer writer(database);
     for (const SystemData& system : systems) writer.Add(system);
+    database.Prepare("INSERT INTO head VALUES (1, ?)")
+        .Bind(std::int64_t{ReadHeadTables(database).digest})
+        .Run();
     database.Execute("COMMIT");
+    return database.Serialize();
 }
 
 }  // namespace VemoKesConfigTools::metadb

@@ -29,7 +29,7 @@ void ReadRecord(const SqliteStatement& row, int column, RecordData& record) {
 
 }  // namespace
 
-MetadataDatabase::MetadataDatabase(const std::string& path) : mDatabase(path, Sqlite::Mode::ReadOnly) {
+MetadataDatabase::MetadataDatabase(const std::string& path) : mDatabase(path) {
     if (mDatabase.Number("PRAGMA application_id") != APPLICATION_ID) {
         throw DatabaseError(path + ": not a metadata database");
     }
@@ -39,46 +39,34 @@ MetadataDatabase::MetadataDatabase(const std::string& path) : mDatabase(path, Sq
                             ", this library reads version " + std::to_string(SCHEMA_VERSION) +
                             "; build it anew from its source");
     }
-}
-
-std::vector<SystemData> MetadataDatabase::Systems() {
-    std::vector<SystemData> systems;
-    SqliteStatement subsystems = mDatabase.Prepare(
-        "SELECT name, alias, version, layer, variant, description, build_date FROM subsystem "
-        "WHERE system_id = ? ORDER BY id");
-    SqliteStatement rows = mDatabase.Prepare(
-        "SELECT id, label, description, version, build_date, chip_name, chip_id, rom_name, rom_version "
-        "FROM system ORDER BY id");
-    while (rows.Step()) {
-        SystemData system{rows.Text(1), rows.Text(2), rows.Text(3),
-                          rows.Text(4), rows.Text(5), rows.Number32(6),
-                          rows.Text(7), rows.Text(8), {}};
-        subsystems.Bind(rows.Number(0));
-        while (subsystems.Step()) system.subsystems.push_back(SubsystemHeader(subsystems));
-        systems.push_back(std::move(system));
+    CheckTables();
+    mHead = ReadHeadTables(mDatabase);
+    if (mDatabase.Number("SELECT digest FROM head") != mHead.digest) {
+        throw DatabaseError(path + ": its list of systems is damaged");
     }
-    return systems;
 }
 
-SubsystemData MetadataDatabase::SubsystemHeader(const SqliteStatement& row) {
-    return {row.Text(0), row.Text(1), row.Text(2), row.Text(3), row.Text(4),
-            row.Text(5), row.Text(6), {},          {},          {}};
+void MetadataDatabase::CheckTables() {
+    // What comes without a text are the indexes that belong to a table.
+    SqliteStatement rows =
+        mDatabase.Prepare("SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL ORDER BY rowid");
+    std::string schema;
+    while (rows.Step()) schema += rows.Text(0) + ";\n";
+    if (schema != SCHEMA) {
+        throw DatabaseError(mDatabase.Path() + ": its tables are not those of a metadata database");
+    }
 }
 
 SubsystemData MetadataDatabase::Load(const std::string& label, const std::string& subsystem) {
-    SqliteStatement rows = mDatabase.Prepare(
-        "SELECT s.name, s.alias, s.version, s.layer, s.variant, s.description, s.build_date, s.id, s.digest "
-        "FROM subsystem s JOIN system y ON y.id = s.system_id WHERE y.label = ? AND s.name = ?");
-    if (!rows.Bind(std::string_view(label), std::string_view(subsystem)).Step()) {
+    const auto row = mHead.subsystems.find(std::pair(label, subsystem));
+    if (row == mHead.subsystems.end()) {
         throw DatabaseError(mDatabase.Path() + ": system " + label + " has no subsystem " + subsystem);
     }
-    SubsystemData data = SubsystemHeader(rows);
-    const std::int64_t id = rows.Number(7);
-    const std::int64_t digest = rows.Number(8);
-    LoadTypes(id, data);
-    LoadKeys(id, data);
+    SubsystemData data = row->second.header;
+    LoadTypes(row->second.id, data);
+    LoadKeys(row->second.id, data);
     const std::string where = mDatabase.Path() + ": subsystem " + subsystem + " of " + label;
-    if (digest != DigestOf(data)) throw DatabaseError(where + " is damaged");
+    if (row->second.digest != DigestOf(data)) throw DatabaseError(where + " is damaged");
     if (const std::optional<TypeFault> fault = FindTypeFault(data)) {
         throw DatabaseError(where + ": struct " + fault->structName + ": " + fault->text);
     }
@@ -86,7 +74,7 @@ SubsystemData MetadataDatabase::Load(const std::string& label, const std::string
 }
 
 std::vector<SystemData> MetadataDatabase::LoadAll() {
-    std::vector<SystemData> systems = Systems();
+    std::vector<SystemData> systems = mHead.systems;
     for (SystemData& system : systems) {
         for (SubsystemData& subsystem : system.subsystems) subsystem = Load(system.label, subsystem.name);
     }
@@ -96,19 +84,33 @@ std::vector<SystemData> MetadataDatabase::LoadAll() {
 void MetadataDatabase::CheckFile() {
     SqliteStatement rows = mDatabase.Prepare("PRAGMA integrity_check(1)");
     if (rows.Step() && rows.Text(0) != "ok") throw DatabaseError(mDatabase.Path() + ": " + rows.Text(0));
+    SqliteStatement strays = mDatabase.Prepare("PRAGMA foreign_key_check");
+    if (strays.Step()) {
+        throw DatabaseError(mDatabase.Path() + ": a row of the table " + strays.Text(0) +
+                            " belongs to none of the table " + strays.Text(2));
+    }
+}
+
+void MetadataDatabase::CheckPosition(const SqliteStatement& row, int column, std::size_t expected) const {
+    if (row.Number(column) != static_cast<std::int64_t>(expected)) {
+        throw DatabaseError(mDatabase.Path() + ": the rows of a list are damaged");
+    }
 }
 
 NamedValues MetadataDatabase::Values(SqliteStatement& rows) {
     NamedValues values;
-    while (rows.Step()) values.emplace_back(rows.Text(0), rows.Number32(1));
+    while (rows.Step()) {
+        CheckPosition(rows, 2, values.size());
+        values.emplace_back(rows.Text(0), rows.Number32(1));
+    }
     return values;
 }
 
 void MetadataDatabase::LoadTypes(std::int64_t id, SubsystemData& subsystem) {
     SqliteStatement enums =
         mDatabase.Prepare("SELECT id, name FROM enum_type WHERE subsystem_id = ? ORDER BY id");
-    SqliteStatement values =
-        mDatabase.Prepare("SELECT name, value FROM enumerator WHERE enum_type_id = ? ORDER BY position");
+    SqliteStatement values = mDatabase.Prepare(
+        "SELECT name, value, position FROM enumerator WHERE enum_type_id = ? ORDER BY position");
     enums.Bind(id);
     while (enums.Step()) {
         subsystem.enums.push_back({enums.Text(1), Values(values.Bind(enums.Number(0)))});
@@ -150,7 +152,7 @@ void MetadataDatabase::LoadKeys(std::int64_t id, SubsystemData& subsystem) {
     while (keys.Step()) {
         KeyData& key = subsystem.keys.emplace_back();
         ReadRecord(keys, 0, key);
-        key.psid = static_cast<std::uint32_t>(keys.Number(RECORD_COLUMN_COUNT));
+        key.psid = keys.NumberAs<std::uint32_t>(RECORD_COLUMN_COUNT);
         ids.push_back(keys.Number(RECORD_COLUMN_COUNT + 1));
     }
     // Null for a key of another subsystem.
@@ -163,22 +165,26 @@ void MetadataDatabase::LoadKeys(std::int64_t id, SubsystemData& subsystem) {
         "SELECT key_id, position, name, min, max, is_enum FROM key_index "
         "WHERE key_id BETWEEN ? AND ? ORDER BY key_id, position");
     SqliteStatement values = mDatabase.Prepare(
-        "SELECT name, value FROM key_index_value WHERE key_id = ? AND index_position = ? ORDER BY position");
+        "SELECT name, value, position FROM key_index_value WHERE key_id = ? AND index_position = ? "
+        "ORDER BY position");
     indexes.Bind(first, last);
     while (indexes.Step()) {
         KeyData* const key = find(indexes.Number(0));
         if (key == nullptr) continue;
+        CheckPosition(indexes, 1, key->indexes.size());
         IndexData index{indexes.Text(2), indexes.Number(3), indexes.Number(4), indexes.Number(5) != 0, {}};
         index.values = Values(values.Bind(indexes.Number(0), indexes.Number(1)));
         key->indexes.push_back(std::move(index));
     }
     SqliteStatement defaults = mDatabase.Prepare(
-        "SELECT key_id, indexes, value FROM default_value "
+        "SELECT key_id, position, indexes, value FROM default_value "
         "WHERE key_id BETWEEN ? AND ? ORDER BY key_id, position");
     defaults.Bind(first, last);
     while (defaults.Step()) {
         KeyData* const key = find(defaults.Number(0));
-        if (key != nullptr) key->defaults.push_back({defaults.Text(1), defaults.Text(2), {}});
+        if (key == nullptr) continue;
+        CheckPosition(defaults, 1, key->defaults.size());
+        key->defaults.push_back({defaults.Text(2), defaults.Text(3), {}});
     }
 }
 

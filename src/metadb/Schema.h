@@ -27,7 +27,13 @@ namespace VemoKesConfigTools::metadb {
 inline constexpr int RECORD_COLUMN_COUNT = 17;
 
 // The tables. `position` counts from 0 within what the row belongs to and keeps the order of the source.
-inline constexpr const char* SCHEMA = R"sql(
+// `head` has one row. SQLite keeps each statement as it stands here, by which a file with other tables is
+// known.
+inline constexpr const char* SCHEMA =
+    R"sql(CREATE TABLE head (
+    id INTEGER PRIMARY KEY CHECK (id = 1),
+    digest INTEGER NOT NULL
+) STRICT;
 CREATE TABLE system (
     id INTEGER PRIMARY KEY,
     label TEXT NOT NULL UNIQUE,

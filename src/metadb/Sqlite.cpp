@@ -1,27 +1,74 @@
 #include "metadb/Sqlite.h"
 
-#include <filesystem>
+#include "metadb/RegularFile.h"
+
 #include <sqlite3.h>
-#include <system_error>
 
 namespace VemoKesConfigTools::metadb {
+
+namespace {
+
+/// What a file may ask for. Far above what a metadata database needs, far below what would hurt.
+constexpr std::pair<int, int> LIMITS[] = {
+    {SQLITE_LIMIT_LENGTH, 16 * 1024 * 1024},
+    {SQLITE_LIMIT_SQL_LENGTH, 100'000},
+    {SQLITE_LIMIT_COLUMN, 100},
+    {SQLITE_LIMIT_EXPR_DEPTH, 20},
+    {SQLITE_LIMIT_COMPOUND_SELECT, 3},
+    {SQLITE_LIMIT_VDBE_OP, 25'000},
+    {SQLITE_LIMIT_FUNCTION_ARG, 8},
+    {SQLITE_LIMIT_ATTACHED, 0},
+    {SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 50},
+    {SQLITE_LIMIT_VARIABLE_NUMBER, 32},
+    {SQLITE_LIMIT_TRIGGER_DEPTH, 1},
+    {SQLITE_LIMIT_WORKER_THREADS, 0},
+};
+
+/// The address of a file, for which "?", "#" and "%" in a name would have a meaning of their own.
+std::string UriOf(const std::string& path) {
+    constexpr std::string_view DIGITS = "0123456789ABCDEF";
+    // A name alone could be one that is no file, such as ":memory:"; two slashes would begin a host.
+    std::string uri = path.starts_with('/') ? "file://" : "file:./";
+    for (const char c : path) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool plain = (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
+                           (byte >= 'a' && byte <= 'z') || byte == '/' || byte == '.' || byte == '_';
+        if (plain) {
+            uri += c;
+        } else {
+            uri.append({'%', DIGITS[byte >> 4U], DIGITS[byte & 0xFU]});
+        }
+    }
+    return uri + "?immutable=1";
+}
+
+}  // namespace
 
 void Sqlite::Closer::operator()(sqlite3* database) const noexcept { sqlite3_close_v2(database); }
 
 void Sqlite::Finalizer::operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
 
-Sqlite::Sqlite(const std::string& path, Mode mode) : mPath(path) {
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) throw DatabaseError(path + ": is a directory");
-    const int flags =
-        mode == Mode::ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+Sqlite::Sqlite() : mPath("new database") { Open(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE); }
+
+Sqlite::Sqlite(const std::string& path) : mPath(path.c_str()) {
+    if (const std::string reason = WhyNoRegularFile(mPath); !reason.empty()) {
+        throw UnreadableFile(mPath + ": " + reason);
+    }
+    Open(UriOf(mPath), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    Execute("PRAGMA cell_size_check = ON");
+}
+
+void Sqlite::Open(const std::string& uri, int flags) {
     sqlite3* database = nullptr;
-    const int code = sqlite3_open_v2(path.c_str(), &database, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int code = sqlite3_open_v2(uri.c_str(), &database, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     mpDatabase.reset(database);
     if (code != SQLITE_OK) Fail(code);
-    // A database from elsewhere may hold anything: its schema must run no code of its own choice.
-    sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    for (const auto& [setting, on] :
+         {std::pair(SQLITE_DBCONFIG_DEFENSIVE, 1), std::pair(SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0),
+          std::pair(SQLITE_DBCONFIG_ENABLE_TRIGGER, 0), std::pair(SQLITE_DBCONFIG_ENABLE_VIEW, 0)}) {
+        sqlite3_db_config(database, setting, on, nullptr);
+    }
+    for (const auto& [limit, value] : LIMITS) sqlite3_limit(database, limit, value);
 }
 
 void Sqlite::Execute(const char* sql) {
@@ -43,6 +90,14 @@ SqliteStatement Sqlite::Prepare(const char* sql) {
 }
 
 std::int64_t Sqlite::LastRowId() const { return sqlite3_last_insert_rowid(mpDatabase.get()); }
+
+std::string Sqlite::Serialize() const {
+    sqlite3_int64 size = 0;
+    const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> bytes(
+        sqlite3_serialize(mpDatabase.get(), "main", &size, 0), sqlite3_free);
+    if (!bytes) Fail(SQLITE_NOMEM);
+    return {reinterpret_cast<const char*>(bytes.get()), static_cast<std::size_t>(size)};
+}
 
 void Sqlite::Fail(int code) const {
     const char* text = mpDatabase ? sqlite3_errmsg(mpDatabase.get()) : sqlite3_errstr(code);
@@ -70,6 +125,8 @@ std::string SqliteStatement::Text(int column) const {
 std::int64_t SqliteStatement::Number(int column) const {
     return sqlite3_column_int64(mpStatement.get(), column);
 }
+
+int SqliteStatement::ColumnCount() const { return sqlite3_column_count(mpStatement.get()); }
 
 void SqliteStatement::Reset() {
     sqlite3_reset(mpStatement.get());

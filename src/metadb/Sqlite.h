@@ -19,15 +19,22 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// There is no file that could be a database, or it cannot be opened.
+class UnreadableFile : public DatabaseError {
+public:
+    using DatabaseError::DatabaseError;
+};
+
 class SqliteStatement;
 
-/// An open database file.
+/// An open database. It runs no code that a file brings with it: triggers, views and extensions are off.
 class Sqlite {
 public:
-    enum class Mode { ReadOnly, Create };
-
-    /// Throws `DatabaseError`.
-    Sqlite(const std::string& path, Mode mode);
+    /// An empty database in memory.
+    Sqlite();
+    /// Opens a file, read-only, as it is: files of other names beside it, such as journals, are not looked
+    /// at. Throws `UnreadableFile`.
+    explicit Sqlite(const std::string& path);
 
     void Execute(const char* sql);
     /// The one number that the statement gives.
@@ -36,6 +43,8 @@ public:
     /// it.
     SqliteStatement Prepare(const char* sql);
     std::int64_t LastRowId() const;
+    /// The bytes of the database as a file has them.
+    std::string Serialize() const;
 
     /// Throws what SQLite says about the last failure.
     [[noreturn]] void Fail(int code) const;
@@ -50,6 +59,8 @@ private:
         void operator()(sqlite3_stmt* statement) const noexcept;
     };
     using Statement = std::unique_ptr<sqlite3_stmt, Finalizer>;
+
+    void Open(const std::string& uri, int flags);
 
     std::string mPath;
     std::unique_ptr<sqlite3, Closer> mpDatabase;
@@ -78,7 +89,16 @@ public:
 
     std::string Text(int column) const;
     std::int64_t Number(int column) const;
-    std::int32_t Number32(int column) const { return static_cast<std::int32_t>(Number(column)); }
+    /// The number as this type. Throws `DatabaseError` when it does not fit.
+    template <typename Type>
+    Type NumberAs(int column) const {
+        const std::int64_t number = Number(column);
+        if (!std::in_range<Type>(number))
+            throw DatabaseError(mDatabase.Path() + ": a number is out of range");
+        return static_cast<Type>(number);
+    }
+    std::int32_t Number32(int column) const { return NumberAs<std::int32_t>(column); }
+    int ColumnCount() const;
 
 private:
     friend class Sqlite;

@@ -75,9 +75,8 @@ CSqliteProvider::Content& CSqliteProvider::Open() {
         mpContent = std::make_unique<Content>();
         try {
             mpContent->database.emplace(mPath);
-            for (metadb::SystemData& data : mpContent->database->Systems()) {
-                const auto& system =
-                    mpContent->systems.emplace_back(std::make_unique<System>(std::move(data)));
+            for (const metadb::SystemData& data : mpContent->database->Systems()) {
+                const auto& system = mpContent->systems.emplace_back(std::make_unique<System>(data));
                 mpContent->chips.push_back(system->chip.get());
             }
         } catch (const metadb::DatabaseError& error) {

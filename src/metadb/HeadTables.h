@@ -1,0 +1,29 @@
+#pragma once
+
+#include "metadb/MetadataModel.h"
+#include "metadb/Sqlite.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace VemoKesConfigTools::metadb {
+
+/// The tables `system` and `subsystem`, which are read whole when a database is opened.
+struct HeadTables {
+    struct SubsystemRow {
+        SubsystemData header;
+        std::int64_t id;
+        std::int64_t digest;
+    };
+
+    std::vector<SystemData> systems;  ///< in the order of the source; their subsystems without types and keys
+    std::map<std::pair<std::string, std::string>, SubsystemRow> subsystems;  ///< by label and name
+    std::uint32_t digest;                                                    ///< over all that the rows hold
+};
+
+HeadTables ReadHeadTables(Sqlite& database);
+
+}  // namespace VemoKesConfigTools::metadb
