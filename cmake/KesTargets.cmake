@@ -41,7 +41,8 @@ function(kes_plugin target file)
                    SUFFIX ".kpm"
                    CXX_EXTENSIONS OFF
                    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${KES_PLUGIN_DIR}
-                   INSTALL_RPATH "$ORIGIN/../..")
+                   INSTALL_RPATH "$ORIGIN/../.."
+                   BUILD_WITH_INSTALL_RPATH ON)
     target_link_libraries(${target} PRIVATE kes_options kesconfigtools)
     install(TARGETS ${target} LIBRARY DESTINATION ${KES_PLUGIN_DIR})
 endfunction()

@@ -1,5 +1,6 @@
 // The real command: what it prints where, and its exit codes.
 
+#include "support/Database.h"
 #include "support/Files.h"
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 using KesTest::EXAMPLE_DATABASE;
@@ -96,6 +98,10 @@ TEST(Check, SaysPlainlyWhyItCannotWork) {
     const std::string good = EXAMPLE_FOLDER + "/headset.ktf";
     const std::string text =
         folder.Write("text", "no database, but long enough for a look at its first bytes, which say so\n");
+    const std::string pipe = folder / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const std::string changed = folder.Write("changed.db", KesTest::ReadFile(EXAMPLE_DATABASE));
+    KesTest::ChangeDatabase(changed, "UPDATE system SET rom_version = '9' WHERE id = 2");
     const struct {
         std::vector<std::string> arguments;
         int code;
@@ -127,7 +133,10 @@ TEST(Check, SaysPlainlyWhyItCannotWork) {
         {{"describe", "bd_adr"}, 1, "ostrell_520_2_3 has no key \"bd_adr\", did you mean bd_addr?"},
         {{"metadata", "check", folder / "none"}, 3, "cannot be opened: No such file or directory"},
         {{"metadata", "check", text}, 1, text + ": file is not a database"},
+        {{"metadata", "check", pipe}, 3, pipe + ": is no regular file"},
+        {{"metadata", "check", changed}, 1, changed + ": its list of systems is damaged"},
         {{"metadata", "export", text}, 3, "file is not a database"},
+        {{"chips", "--db", pipe}, 3, "kes: " + pipe + ": is no regular file"},
     };
     for (const auto& row : rows) {
         const Outcome outcome = RunKes(row.arguments);

@@ -78,6 +78,39 @@ TEST_F(MetadataProvider, TypesThatHoldThemselvesAreRefused) {
               "0 " + (mFolder / "loop.db") + ": subsystem bt of s1: struct Loop: it holds itself");
 }
 
+TEST_F(MetadataProvider, StructsThatWouldTakeAllMemoryAreRefused) {
+    metadb::SystemData system;
+    system.label = "s1";
+    metadb::SubsystemData& bt = system.subsystems.emplace_back();
+    bt.name = "bt";
+    std::int32_t uid = 0;
+    const auto field = [&](const std::string& name, const std::string& type) {
+        metadb::FieldData made;
+        made.uid = ++uid;
+        made.name = name;
+        made.type = type;
+        return made;
+    };
+    bt.structs.push_back({"S0", {field("a", "uint8"), field("b", "uint8")}});
+    for (int i = 1; i < 25; ++i) {
+        const std::string inner = "S" + std::to_string(i - 1);
+        bt.structs.push_back({"S" + std::to_string(i), {field("a", inner), field("b", inner)}});
+    }
+    metadb::KeyData& key = bt.keys.emplace_back();
+    key.uid = ++uid;
+    key.name = "huge";
+    key.psid = 1;
+    key.type = "S15";
+    CKesContext context = At("s1", SUBSYSTEM_BT);
+    WriteDatabase(mFolder / "most.db", {system});
+    EXPECT_TRUE(Open(mFolder / "most.db")->MetadataByPsid(1, context, true).IsValid()) << LastError();
+    key.type = "S24";
+    WriteDatabase(mFolder / "huge.db", {system});
+    EXPECT_FALSE(Open(mFolder / "huge.db")->MetadataByPsid(1, context, true).IsValid());
+    EXPECT_EQ(LastError(), "0 " + (mFolder / "huge.db") +
+                               ": subsystem bt of s1: key huge: its struct S24 holds more than 65536 values");
+}
+
 /// All that a provider tells of the small database.
 std::string Shown(IMetadataProvider& provider) {
     CKesContext none;

@@ -132,6 +132,21 @@ TEST(MetadataSource, FindsAllFaultsOfASourceAtOnce) {
         4U);
 }
 
+TEST(MetadataSource, TheStructOfAKeyMayHoldManyValuesButNotAnyNumber) {
+    // Each struct holds twice what the one before it holds: 2 to the power of 16 in the last.
+    std::string structs = R"("structs": {"S0": [{"name": "a", "type": "uint8"}])";
+    for (int i = 1; i <= 16; ++i) {
+        const std::string field = R"("type": "S)" + std::to_string(i - 1) + "\"}";
+        structs += ", \"S" + std::to_string(i) + R"(": [{"name": "a", )" + field + R"(, {"name": "b", )" +
+                   field + "]";
+    }
+    structs += R"(, "More": [{"name": "a", "type": "S16"}, {"name": "b", "type": "uint8"}]},)";
+    const std::string most = R"({"psid": 1, "name": "a", "type": "S16"})";
+    EXPECT_TRUE(Faults(Source(most, structs)).empty()) << "More is used by no key";
+    EXPECT_EQ(Faults(Source(most + ",\n" + R"({"psid": 2, "name": "b", "type": "More"})", structs)),
+              std::vector<std::string>{"4:34: its struct More holds more than 65536 values"});
+}
+
 TEST(MetadataSource, StructsMayBeDeepButNotWithoutEnd) {
     const auto nested = [](std::size_t depth) {
         std::string structs = "\"structs\": {";

@@ -22,8 +22,15 @@ HeadTables ReadHeadTables(Sqlite& database) {
     while (systems.Step()) {
         AddRow(systems, digest);
         places.emplace(systems.Number(0), head.systems.size());
-        head.systems.push_back({systems.Text(1), systems.Text(2), systems.Text(3), systems.Text(4),
-                                systems.Text(5), systems.Number32(6), systems.Text(7), systems.Text(8), {}});
+        head.systems.push_back({systems.Text(1),
+                                systems.Text(2),
+                                systems.Text(3),
+                                systems.Text(4),
+                                systems.Text(5),
+                                systems.Number32(6),
+                                systems.Text(7),
+                                systems.Text(8),
+                                {}});
     }
     SqliteStatement subsystems = database.Prepare(
         "SELECT id, system_id, digest, name, alias, version, layer, variant, description, build_date "
@@ -34,12 +41,18 @@ HeadTables ReadHeadTables(Sqlite& database) {
         // The digest tells of a row that belongs to no system.
         if (place == places.end()) continue;
         SystemData& system = head.systems[place->second];
-        const SubsystemData& header = system.subsystems.emplace_back(
-            SubsystemData{subsystems.Text(3), subsystems.Text(4), subsystems.Text(5), subsystems.Text(6),
-                          subsystems.Text(7), subsystems.Text(8), subsystems.Text(9), {}, {}, {}});
-        head.subsystems.emplace(
-            std::pair(system.label, header.name),
-            HeadTables::SubsystemRow{header, subsystems.Number(0), subsystems.Number(2)});
+        const SubsystemData& header = system.subsystems.emplace_back(SubsystemData{subsystems.Text(3),
+                                                                                   subsystems.Text(4),
+                                                                                   subsystems.Text(5),
+                                                                                   subsystems.Text(6),
+                                                                                   subsystems.Text(7),
+                                                                                   subsystems.Text(8),
+                                                                                   subsystems.Text(9),
+                                                                                   {},
+                                                                                   {},
+                                                                                   {}});
+        head.subsystems.emplace(std::pair(system.label, header.name),
+                                HeadTables::SubsystemRow{header, subsystems.Number(0), subsystems.Number(2)});
     }
     head.digest = digest.Sum();
     return head;

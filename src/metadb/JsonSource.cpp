@@ -100,8 +100,10 @@ public:
         if (const JsonNode* structs = mNodes.Optional(mObject, "structs", Kind::Object)) {
             for (const JsonNode::Member& member : structs->members) ReadStruct(member);
         }
-        mNodes.EachObject(mNodes.Required(mObject, "keys", Kind::Array), "a key",
-                          [&](const JsonNode& key) { mData.keys.push_back(ReadKey(key)); });
+        mNodes.EachObject(mNodes.Required(mObject, "keys", Kind::Array), "a key", [&](const JsonNode& key) {
+            mData.keys.push_back(ReadKey(key));
+            mKeyNodes.push_back(&key);
+        });
         CountUids();
         CheckTypes();
         return std::move(mData);
@@ -371,6 +373,12 @@ private:
     void CheckTypes() {
         const std::optional<TypeFault> fault = FindTypeFault(mData);
         if (!fault) return;
+        if (fault->key != nullptr) {
+            const JsonNode& node = *mKeyNodes[static_cast<std::size_t>(fault->key - mData.keys.data())];
+            const JsonNode* type = node.Find("type");
+            mNodes.Fault(type == nullptr ? node.offset : type->offset, fault->text);
+            return;
+        }
         const auto found = mTypes.find(fault->structName);
         const std::size_t offset = found == mTypes.end() ? mObject.offset : found->second->offset;
         mNodes.Fault(offset, "struct \"" + fault->structName + "\": " + fault->text);
@@ -387,6 +395,7 @@ private:
     std::map<std::string, const JsonNode::Member*, std::less<>> mTypes;
     std::set<std::string> mKeyNames;
     std::set<std::uint32_t> mPsids;
+    std::vector<const JsonNode*> mKeyNodes;                          ///< in the order of the keys
     std::vector<std::pair<const JsonNode*, std::int32_t>> mRecords;  ///< with the uid that the source gives
 };
 

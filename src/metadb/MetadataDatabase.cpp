@@ -68,7 +68,9 @@ SubsystemData MetadataDatabase::Load(const std::string& label, const std::string
     const std::string where = mDatabase.Path() + ": subsystem " + subsystem + " of " + label;
     if (row->second.digest != DigestOf(data)) throw DatabaseError(where + " is damaged");
     if (const std::optional<TypeFault> fault = FindTypeFault(data)) {
-        throw DatabaseError(where + ": struct " + fault->structName + ": " + fault->text);
+        throw DatabaseError(
+            where + (fault->key != nullptr ? ": key " + fault->key->name : ": struct " + fault->structName) +
+            ": " + fault->text);
     }
     return data;
 }

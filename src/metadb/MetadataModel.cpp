@@ -9,63 +9,76 @@ namespace VemoKesConfigTools::metadb {
 
 namespace {
 
-/// Finds how deep each struct goes, and one that holds itself.
-class DepthFinder {
+/// Measures each struct once: how deep it goes, and how many values it holds.
+class TypeChecker {
 public:
-    explicit DepthFinder(const SubsystemData& subsystem) {
-        for (const StructType& type : subsystem.structs) mTypes.emplace(type.name, Visit{&type});
+    explicit TypeChecker(const SubsystemData& subsystem) : mSubsystem(subsystem) {
+        for (const StructType& type : subsystem.structs) mTypes.emplace(type.name, Measured{&type});
     }
 
     std::optional<TypeFault> Run() {
-        for (const auto& [name, visit] : mTypes) {
-            Depth(name, 1);
-            if (!mFault.text.empty()) return mFault;
+        for (auto& [name, type] : mTypes) {
+            Measure(type, 1);
+            if (mFault) return mFault;
+        }
+        for (const KeyData& key : mSubsystem.keys) {
+            const auto type = mTypes.find(key.type);
+            if (type == mTypes.end() || type->second.values <= MAXIMUM_STRUCT_VALUES) continue;
+            return TypeFault{&key, key.type,
+                             "its struct " + key.type + " holds more than " +
+                                 std::to_string(MAXIMUM_STRUCT_VALUES) + " values"};
         }
         return std::nullopt;
     }
 
 private:
-    struct Visit {
+    struct Measured {
         const StructType* type;
-        std::size_t depth = 0;  ///< 0 until it is known
+        std::size_t depth = 0;   ///< 0 until it is known
+        std::size_t values = 0;  ///< no more than one above the maximum
         bool open = false;
     };
 
-    std::size_t Depth(std::string_view name, std::size_t above) {
-        const auto found = mTypes.find(name);
-        if (found == mTypes.end() || !mFault.text.empty()) return 0;
-        Visit& visit = found->second;
-        if (visit.open) return Fail(visit, "it holds itself");
-        if (above > MAXIMUM_STRUCT_DEPTH) return FailDepth(visit);
-        if (visit.depth == 0) {
-            visit.open = true;
-            std::size_t deepest = 0;
-            for (const FieldData& field : visit.type->fields) {
-                deepest = std::max(deepest, Depth(field.type, above + 1));
+    void Measure(Measured& measured, std::size_t above) {
+        if (measured.open) return Fail(measured, "it holds itself");
+        if (above > MAXIMUM_STRUCT_DEPTH) return FailDepth(measured);
+        if (measured.depth != 0) return;
+        measured.open = true;
+        std::size_t deepest = 0;
+        std::size_t values = 0;
+        for (const FieldData& field : measured.type->fields) {
+            const auto inner = mTypes.find(field.type);
+            if (inner == mTypes.end()) {
+                ++values;
+                continue;
             }
-            visit.open = false;
-            visit.depth = deepest + 1;
-            if (visit.depth > MAXIMUM_STRUCT_DEPTH) return FailDepth(visit);
+            Measure(inner->second, above + 1);
+            if (mFault) return;
+            deepest = std::max(deepest, inner->second.depth);
+            values = std::min(values + inner->second.values, MAXIMUM_STRUCT_VALUES + 1);
         }
-        return visit.depth;
+        measured.open = false;
+        measured.depth = deepest + 1;
+        measured.values = std::min(values, MAXIMUM_STRUCT_VALUES + 1);
+        if (measured.depth > MAXIMUM_STRUCT_DEPTH) FailDepth(measured);
     }
 
-    std::size_t Fail(const Visit& visit, std::string text) {
-        if (mFault.text.empty()) mFault = {visit.type->name, std::move(text)};
-        return 0;
+    void Fail(const Measured& measured, std::string text) {
+        mFault = TypeFault{nullptr, measured.type->name, std::move(text)};
     }
-    std::size_t FailDepth(const Visit& visit) {
-        return Fail(visit, "it is nested more than " + std::to_string(MAXIMUM_STRUCT_DEPTH) + " deep");
+    void FailDepth(const Measured& measured) {
+        Fail(measured, "it is nested more than " + std::to_string(MAXIMUM_STRUCT_DEPTH) + " deep");
     }
 
-    std::map<std::string, Visit, std::less<>> mTypes;
-    TypeFault mFault;
+    const SubsystemData& mSubsystem;
+    std::map<std::string, Measured, std::less<>> mTypes;
+    std::optional<TypeFault> mFault;
 };
 
 }  // namespace
 
 std::optional<TypeFault> FindTypeFault(const SubsystemData& subsystem) {
-    return DepthFinder(subsystem).Run();
+    return TypeChecker(subsystem).Run();
 }
 
 std::uint32_t DigestOf(const SubsystemData& subsystem) {

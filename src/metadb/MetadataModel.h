@@ -104,10 +104,14 @@ struct SystemData {
 
 /// Structs may lie in each other this deep, so that neither a reader nor a writer runs out of stack.
 inline constexpr std::size_t MAXIMUM_STRUCT_DEPTH = 100;
+/// The struct of a key may hold this many values, those of inner structs included, an array counted as one of
+/// its items: a host is handed a record for each.
+inline constexpr std::size_t MAXIMUM_STRUCT_VALUES = 65'536;
 
-/// What is wrong with the struct types of a subsystem, each of which must be known, hold no struct that holds
-/// itself, and be no deeper than `MAXIMUM_STRUCT_DEPTH`. Names the struct; empty when all is well.
+/// What is wrong with the types of a subsystem: a struct that holds itself or is too deep, a key whose struct
+/// holds too many values.
 struct TypeFault {
+    const KeyData* key;  ///< null when the struct itself is wrong
     std::string structName;
     std::string text;
 };
