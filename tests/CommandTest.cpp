@@ -148,6 +148,14 @@ TEST(Check, SaysPlainlyWhyItCannotWork) {
     const Outcome outcome = RunKes({"check", "--plugins", folder.Path(), good});
     EXPECT_EQ(outcome.code, 3);
     EXPECT_TRUE(Holds(outcome.err, "KesText readerwriter plugin not found.")) << outcome.err;
+    for (const char* name : {"sqlite.kpm", "KesText.kpm"}) {
+        const std::string whole = KesTest::ReadFile(std::string(KES_TEST_PLUGIN_DIR) + "/" + name);
+        const std::string cut = folder.Write(name, whole.substr(0, whole.size() / 2));
+        const Outcome cutOff = RunKes({"check", "--plugins", folder.Path(), good});
+        EXPECT_EQ(cutOff.code, 3);
+        EXPECT_TRUE(Holds(cutOff.err, "note: " + cut + " left out: it is cut short\n")) << cutOff.err;
+        folder.Write(name, whole);
+    }
 }
 
 TEST(Options, ComeFromFlagsThenFromTheEnvironment) {

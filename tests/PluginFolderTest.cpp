@@ -69,6 +69,20 @@ TEST(PluginFolder, LeavesOutWhatIsNoPluginAndSaysWhy) {
     EXPECT_TRUE(trace.Tells("nowhere", "No such file or directory"));
 }
 
+/// A module whose end is missing maps well, and then its first touch raises a signal.
+TEST(PluginFolder, LeavesOutAModuleThatIsCut) {
+    const std::string whole = KesTest::ReadFile(std::string(KES_TEST_PLUGIN_DIR) + "/sqlite.kpm");
+    const TempFolder folder;
+    for (const std::size_t percent : {1U, 10U, 25U, 50U, 75U}) {
+        folder.Write("cut" + std::to_string(percent) + ".kpm", whole.substr(0, whole.size() * percent / 100));
+    }
+    const TraceLines trace;
+    CReaderWriterFactory::Ref().Load(folder.Path());
+    for (const char* percent : {"1", "10", "25", "50", "75"}) {
+        EXPECT_TRUE(trace.Tells(std::string("cut") + percent + ".kpm", "it is cut short")) << percent;
+    }
+}
+
 TEST(PluginFolder, OfTwoOfOneNameTheFirstStays) {
     const TempFolder folder;
     Copy(folder, "hostile_creator_throws.kpm", "a.kpm");
@@ -85,6 +99,9 @@ TEST(PluginFolder, OfTwoOfOneNameTheFirstStays) {
     ASSERT_TRUE(handler.LastError(number, text, group)) << "an exception does not leave the module";
     EXPECT_EQ(text, "cannot reach the device");
     EXPECT_EQ(number, 1);
+    EXPECT_EQ(factory.CreateReader("fragile", "", nullptr), nullptr);
+    handler.LastError(number, text, group);
+    EXPECT_EQ(text, "unknown exception") << "nor does one that is no std::exception";
 }
 
 TEST(PluginFolder, GivesNullForWhatAPluginDoesNotHave) {

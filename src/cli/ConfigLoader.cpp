@@ -98,6 +98,10 @@ ConfigReport ConfigLoader::Read(const ConfigInput& input, std::function<void(std
     }
     for (const std::string& status : listener.Statuses()) {
         if (!listener.Findings().empty()) break;
+        if (report.exit == EXIT_SYSTEM) {
+            report.notes.push_back(status);
+            continue;
+        }
         Finding finding;
         finding.severity = "warning";
         finding.kind = status;

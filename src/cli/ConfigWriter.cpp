@@ -89,6 +89,8 @@ ExitCode ConfigWriter::Load(api::FrameworkFacade& facade, const ConfigSource& so
 ExitCode ConfigWriter::Report(const ConfigSource& target, const Listener& listener) {
     for (const auto& [number, text] : listener.OtherErrors())
         mLoader.Messages().Report(target.word, "error", text);
+    for (const std::string& status : listener.Statuses())
+        mLoader.Messages().Report(target.word, "note", status);
     return ExitOf(listener.OtherErrors());
 }
 

@@ -1,6 +1,7 @@
 #include "cli/Session.h"
 
 #include "cli/ExitCodes.h"
+#include "cli/Listener.h"
 #include "cli/NearNames.h"
 #include "facade/Framework.h"
 #include "messages/CTheMsgHnd.h"
@@ -22,12 +23,15 @@ void ClearErrors() {
 std::string Text(const api::HostString& text) { return text.ToNarrow(); }
 
 Session::Session(const Globals& globals) : mDatabase(globals.database) {
+    const Listener listener;
     api::Framework::Init(globals.plugins);
     mMetadata.emplace(globals.database);
     api::HostString message;
     if (api::Framework::GetLastError(message) == 1) {
-        throw Failure(EXIT_SYSTEM, "no plug-in \"sqlite\" in " + globals.plugins +
-                                       "; choose the folder with --plugins or KES_PLUGINS");
+        std::string text = "no plug-in \"sqlite\" in " + globals.plugins +
+                           "; choose the folder with --plugins or KES_PLUGINS";
+        for (const std::string& leftOut : listener.Statuses()) text += "\nnote: " + leftOut;
+        throw Failure(EXIT_SYSTEM, text);
     }
     FailOnError();
     mChips = *mMetadata->GetChips();

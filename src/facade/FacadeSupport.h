@@ -5,6 +5,7 @@
 #include "metadata/Chip.h"
 #include "model/CKesContext.h"
 #include "model/CReaderWriterFactory.h"
+#include "model/PluginRegistry.h"
 
 #include <cstdint>
 #include <string>
@@ -42,6 +43,8 @@ inline VemoKesConfigTools::CMessageHandler& DefaultHandler(const char* function)
 
 /// Stores an error, and is the false that the operation gives.
 inline bool Fail(const char* function, std::int16_t number, const char* text) {
+    // A plug-in that is missed may be one that could not be loaded.
+    if (number == ERROR_PLUGIN) VemoKesConfigTools::PluginRegistry::Ref().ReportLeftOut();
     DefaultHandler(function).SetErrorMsg(number, text);
     return false;
 }

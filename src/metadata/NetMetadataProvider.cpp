@@ -10,6 +10,7 @@
 #include "model/IMetadata.h"
 #include "model/IMetadataProvider.h"
 #include "model/ISubsystemInfo.h"
+#include "model/PluginRegistry.h"
 
 #include <cstdlib>
 #include <string>
@@ -41,7 +42,9 @@ NetMetadataProvider::NetMetadataProvider(const HostString& dbName) {
     constexpr const char* FUNCTION = KES_API_FUNCTION("NetMetadataProvider");
     CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_MANAGED_API, FUNCTION, true);
     mpProvider.reset(CMetadataProviderFactory::Ref().Create("sqlite", dbName.ToNarrow()));
-    if (!mpProvider) Handler(FUNCTION).SetErrorMsg(1, "sqlite metadata plugin not found.");
+    if (mpProvider) return;
+    PluginRegistry::Ref().ReportLeftOut();
+    Handler(FUNCTION).SetErrorMsg(1, "sqlite metadata plugin not found.");
 }
 
 NetMetadataProvider::~NetMetadataProvider() = default;

@@ -13,13 +13,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void TraceLeftOut(const std::string& path, const std::string& why) {
-    if (!CTheMsgHnd::DebugActivated()) return;
-    CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, "PluginRegistry::Load", false)
-        .DebugOutputInHandler(1, false, false, "PluginRegistry::Load", __FILE__, __LINE__, "%s left out: %s",
-                              path.c_str(), why.c_str());
-}
-
 /// Asks a foreign module, so nothing of what it says is taken on trust.
 const KesPluginDescriptor* Describe(void* entry, std::string& error) {
     try {
@@ -57,7 +50,7 @@ std::vector<const KesPluginDescriptor*> PluginRegistry::Load(const std::string& 
         std::error_code ignored;
         if (path.ends_with(extension) && entry->is_regular_file(ignored)) paths.push_back(path);
     }
-    if (failed) TraceLeftOut(folder, failed.message());
+    if (failed) LeaveOut(folder, failed.message());
     std::ranges::sort(paths);
 
     std::vector<const KesPluginDescriptor*> plugins;
@@ -67,11 +60,27 @@ std::vector<const KesPluginDescriptor*> PluginRegistry::Load(const std::string& 
     return plugins;
 }
 
+void PluginRegistry::ReportLeftOut() const {
+    CMessageHandler& handler =
+        CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, "PluginRegistry", false);
+    for (const auto& [path, why] : mLeftOut) {
+        handler.NotifyStatus(CMessageHandler::STATUS_LEVEL_WARNING, path + " left out: " + why);
+    }
+}
+
+void PluginRegistry::LeaveOut(const std::string& path, const std::string& why) {
+    mLeftOut[path] = why;
+    if (!CTheMsgHnd::DebugActivated()) return;
+    CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, "PluginRegistry::Load", false)
+        .DebugOutputInHandler(1, false, false, "PluginRegistry::Load", __FILE__, __LINE__, "%s left out: %s",
+                              path.c_str(), why.c_str());
+}
+
 const KesPluginDescriptor* PluginRegistry::Open(const std::string& path) {
     std::error_code failed;
     const std::string canonical = fs::canonical(path, failed).string();
     if (failed) {
-        TraceLeftOut(path, failed.message());
+        LeaveOut(path, failed.message());
         return nullptr;
     }
     if (const auto known = mOpened.find(canonical); known != mOpened.end()) return known->second;
@@ -80,9 +89,10 @@ const KesPluginDescriptor* PluginRegistry::Open(const std::string& path) {
     void* entry = OpenPluginEntry(canonical, error);
     const KesPluginDescriptor* descriptor = entry == nullptr ? nullptr : Describe(entry, error);
     if (descriptor == nullptr) {
-        TraceLeftOut(path, error);
+        LeaveOut(path, error);
         return nullptr;
     }
+    mLeftOut.erase(path);
     mOpened.emplace(canonical, descriptor);
     return descriptor;
 }

@@ -31,6 +31,7 @@ KES_PLUGIN_EXPORT const KesPluginDescriptor* KesPluginDescribe() { throw std::ru
 #elif KES_HOSTILE == CREATOR_THROWS || KES_HOSTILE == SECOND_OF_ITS_NAME
 static IConfigReader* CreateReader(const char* connection, void* /*argument*/) {
     return KesPluginCreate<IConfigReader>([&]() -> IConfigReader* {
+        if (*connection == '\0') throw 5;
         throw std::runtime_error(KES_HOSTILE == CREATOR_THROWS ? std::string("cannot reach ") + connection
                                                                : "second");
     });

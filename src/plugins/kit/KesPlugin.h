@@ -23,7 +23,6 @@
 #include "model/PluginDescriptor.h"
 
 #include <exception>
-#include <string>
 
 #if defined(_WIN32)
 #define KES_PLUGIN_EXPORT extern "C" __declspec(dllexport)
@@ -47,19 +46,24 @@
 
 namespace VemoKesConfigTools {
 
-/// Runs the body of a creator. An exception becomes an error of number 1 and a null result.
+/// Runs the body of a creator. An exception of any kind becomes an error of number 1 and a null result.
 template <typename Interface, typename Make>
 Interface* KesPluginCreate(Make make) noexcept {
-    std::string reason;
+    const auto report = [](const char* reason) {
+        CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, "KesPluginCreate", false)
+            .SetErrorMsg(1, reason);
+    };
     try {
-        return make();
-    } catch (const std::exception& error) {
-        reason = error.what();
+        try {
+            return make();
+        } catch (const std::exception& error) {
+            report(error.what());
+        } catch (...) {
+            report("unknown exception");
+        }
     } catch (...) {
-        reason = "unknown exception";
+        // There is no memory left to tell it.
     }
-    CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, "KesPluginCreate", false)
-        .SetErrorMsg(1, reason);
     return nullptr;
 }
 
