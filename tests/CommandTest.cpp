@@ -158,6 +158,53 @@ TEST(Check, SaysPlainlyWhyItCannotWork) {
     }
 }
 
+TEST(Output, HoldsNothingThatATerminalActsOn) {
+    const TempFolder folder;
+    // Colour, a line end, a C1 control, and text that runs backwards.
+    const std::string evil = "a\x1b[31m\nb\xC2\x9b\xE2\x80\xAE\xC3\xA9";
+    const std::string quoted = "a\\033[31m\\nb\\302\\233\\342\\200\\256\xC3\xA9";
+    const std::string path = folder.Write(evil, "bogus = 1\nfile = bt\n\x1b[2J = 2\n");
+    const Outcome check = RunKes({"check", path});
+    EXPECT_TRUE(Holds(check.err, folder.Path() + "/" + quoted + ":1:")) << check.err;
+    EXPECT_TRUE(Holds(RunKes({"chips", "--db", path}).err, "a\\033[31m")) << "in other messages too";
+    EXPECT_TRUE(Holds(RunKes({"check", "/no\x9b"}).err, "/no\\233: error: ")) << "bytes that are no UTF-8";
+    EXPECT_TRUE(Holds(RunKes({"check", "-v", path}).out, quoted + ": system "));
+    EXPECT_EQ(RunKes({"get", path, "\x1b[1m"}).err.find('\x1b'), std::string::npos);
+
+    const std::string source = folder.Write("s.json", R"({"systems": [{"label": "s1",
+        "description": "up\u001b[1mand\u202edown\nleft", "chip": {"name": "C\u0007", "id": 76}, "subsystems": [
+        {"name": "bt", "description": "\u009b1m", "keys": [{"psid": 1, "name": "k", "type": "octet_string",
+         "format": "unicode_string", "label": "\u001b]0;x", "description": "one\n\u001btwo"}]}]}]})");
+    const std::string database = folder / "s.db";
+    ASSERT_EQ(RunKes({"metadata", "build", source, "-o", database}).err, "");
+    const struct {
+        std::vector<std::string> arguments;
+        const char* shown;
+    } rows[] = {
+        {{"chips"}, "up\\033[1mand\\342\\200\\256down\\nleft"},
+        {{"chips"}, "C\\a"},
+        {{"subsystems"}, "\\302\\2331m"},
+        {{"keys"}, "\\033]0;x"},
+        {{"describe", "k"}, "one\n                \\033two"},
+    };
+    for (const auto& row : rows) {
+        std::vector<std::string> arguments = row.arguments;
+        arguments.insert(arguments.end(), {"--db", database});
+        const std::string out = RunKes(arguments).out;
+        EXPECT_TRUE(Holds(out, row.shown)) << out;
+        EXPECT_EQ(out.find('\x1b'), std::string::npos) << out;
+    }
+    const std::string text =
+        folder.Write("t.ktf", "subsystem=bt\ndevice=eeprom\nstore=1\nk = \"\x1b[1mx\"\n");
+    const std::vector<std::string> get = {"get", text, "k", "--db", database};
+    EXPECT_EQ(RunKes(get).out, "\"\x1b[1mx\"\n") << "other programs get a value as it is";
+    EXPECT_TRUE(Holds(RunKes({"list", text, "--db", database}).out, "\\033[1mx"));
+    const std::string run = "script -qec \"" KES_TEST_COMMAND " get " + text + " k --db " + database +
+                            "\" /dev/null </dev/null >" + (folder / "tty");
+    ASSERT_EQ(std::system(run.c_str()), 0);
+    EXPECT_EQ(KesTest::ReadFile(folder / "tty"), "\"\\033[1mx\"\r\n");
+}
+
 TEST(Options, ComeFromFlagsThenFromTheEnvironment) {
     const std::string environment = "KES_DB=/nowhere KES_CHIP=ostrell_310_1_7";
     EXPECT_EQ(RunKes({"subsystems"}, environment).code, 3);

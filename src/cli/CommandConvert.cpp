@@ -4,6 +4,7 @@
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/OutputFile.h"
+#include "cli/Printable.h"
 #include "cli/TextFile.h"
 
 #include <CLI/CLI.hpp>
@@ -75,9 +76,9 @@ void PrintWritten(ConfigLoader& loader, const ConfigSource& to) {
         keys += place->KeyCount();
         if (place->KeyCount() != 0) ++places;
     }
-    std::cerr << to.word << ": " << keys << (keys == 1 ? " key in " : " keys in ") << places
-              << (places == 1 ? " place" : " places") << " of " << Text(loader.Chip()->SystemVersionLabel())
-              << " written\n";
+    PrintError(Printable(to.word) + ": " + std::to_string(keys) + (keys == 1 ? " key in " : " keys in ") +
+               std::to_string(places) + (places == 1 ? " place of " : " places of ") +
+               Printable(Text(loader.Chip()->SystemVersionLabel())) + " written\n");
 }
 
 int Run(const Globals& globals, const ConvertOptions& options) {

@@ -3,6 +3,7 @@
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/KeyList.h"
+#include "cli/Printable.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
@@ -83,14 +84,15 @@ Json ToRecord(const Difference& difference) {
 }
 
 void Print(const Difference& difference) {
-    const std::string key = PlaceText(*difference.key) + ": " + KeyText(*difference.key);
+    std::string line = PlaceText(*difference.key) + ": " + KeyText(*difference.key) + " = ";
     if (!difference.before) {
-        std::cout << "+ " << key << " = " << *difference.after << '\n';
+        line.insert(0, "+ ").append(*difference.after);
     } else if (!difference.after) {
-        std::cout << "- " << key << " = " << *difference.before << '\n';
+        line.insert(0, "- ").append(*difference.before);
     } else {
-        std::cout << "~ " << key << " = " << *difference.before << " -> " << *difference.after << '\n';
+        line.insert(0, "~ ").append(*difference.before).append(" -> ").append(*difference.after);
     }
+    std::cout << Printable(line) << '\n';
 }
 
 int Run(const Globals& globals, const DiffOptions& options) {

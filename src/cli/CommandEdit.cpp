@@ -5,6 +5,7 @@
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/OutputFile.h"
+#include "cli/Printable.h"
 #include "cli/Scratch.h"
 #include "cli/TextEditor.h"
 #include "cli/UnifiedDiff.h"
@@ -112,8 +113,9 @@ int EditText(const Globals& globals, const EditOptions& options, const ConfigSou
         const Scratch scratch(*edited);
         if (!editor.Proves(scratch.Path())) return editor.Result();
         const std::string before = isNew ? std::string() : editor.Before();
-        std::cout << (options.dryRun ? UnifiedDiff(input.Name(), input.Name() + " (changed)", before, *edited)
-                                     : *edited);
+        std::cout << (options.dryRun
+                          ? ForOutput(UnifiedDiff(input.Name(), input.Name() + " (changed)", before, *edited))
+                          : *edited);
         return EXIT_FINE;
     }
     OutputFile output(target);
@@ -155,7 +157,7 @@ int EditWhole(const Globals& globals, const EditOptions& options, const ConfigSo
         return EXIT_FINDINGS;
     const std::string after = writer.AsText();
     if (options.dryRun) {
-        std::cout << UnifiedDiff(input.Name(), input.Name() + " (changed)", before, after);
+        std::cout << ForOutput(UnifiedDiff(input.Name(), input.Name() + " (changed)", before, after));
         return EXIT_FINE;
     }
     return before == after ? EXIT_FINE : writer.Save(source, {});

@@ -3,6 +3,7 @@
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/KeyList.h"
+#include "cli/Printable.h"
 #include "kes/configtools/readerwriters/kestext/common/textindex/CTextIndex.h"
 
 #include <CLI/CLI.hpp>
@@ -80,7 +81,7 @@ private:
             return;
         }
         if (mOptions.keys.size() > 1) std::cout << key << " = ";
-        std::cout << record["value"].get<std::string>() << '\n';
+        std::cout << ForOutput(record["value"].get<std::string>()) << '\n';
     }
 
     Json DefaultOf(const std::vector<KeyCandidate>& candidates, const KeyAddress& address) {

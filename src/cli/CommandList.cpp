@@ -66,7 +66,7 @@ int Print(const Globals& globals, const Listed& listed, const char* command,
     for (const auto& key : listed.values) {
         std::vector<std::string> row = PlaceCells(*key);
         for (std::string& cell : rest(*key)) row.push_back(std::move(cell));
-        table.Add(std::move(row));
+        table.Add(row);
     }
     table.Print(std::cout);
     return EXIT_FINE;

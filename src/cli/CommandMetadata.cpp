@@ -5,6 +5,7 @@
 #include "cli/Help.h"
 #include "cli/Json.h"
 #include "cli/OutputFile.h"
+#include "cli/Printable.h"
 #include "metadb/JsonSource.h"
 #include "metadb/MetadataDatabase.h"
 
@@ -108,7 +109,7 @@ int Check(const Globals& globals, const MetadataOptions& options) {
     } catch (const metadb::DatabaseError& error) {
         results.push_back({{"severity", "error"}, {"message", error.what()}});
         // The text names the file already.
-        if (!globals.json) std::cerr << error.what() << '\n';
+        if (!globals.json) PrintError(PrintableLines(error.what()) + "\n");
     }
     if (globals.json) PrintJson(document);
     return results.empty() ? EXIT_FINE : EXIT_FINDINGS;

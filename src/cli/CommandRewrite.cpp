@@ -4,6 +4,7 @@
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/OutputFile.h"
+#include "cli/Printable.h"
 #include "cli/UnifiedDiff.h"
 
 #include <CLI/CLI.hpp>
@@ -76,7 +77,7 @@ private:
     int Check(const std::string& text) {
         const std::string before = ReadWhole(mInput.Text()->Path());
         if (before == text) return EXIT_FINE;
-        std::cout << UnifiedDiff(mInput.Name(), mInput.Name() + " (rewritten)", before, text);
+        std::cout << ForOutput(UnifiedDiff(mInput.Name(), mInput.Name() + " (rewritten)", before, text));
         return EXIT_FINDINGS;
     }
 

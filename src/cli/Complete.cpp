@@ -9,6 +9,7 @@
 #include "cli/ExitCodes.h"
 #include "cli/Help.h"
 #include "cli/KeyText.h"
+#include "cli/Printable.h"
 #include "cli/Session.h"
 
 #include <CLI/CLI.hpp>
@@ -190,7 +191,7 @@ private:
         // In a menu there is room for the beginning only.
         std::string line = meaning.substr(0, std::min(meaning.find('\n'), meaning.find(" (")));
         std::ranges::replace(line, '\t', ' ');
-        std::cout << candidate << '\t' << line << '\n';
+        std::cout << candidate << '\t' << Printable(line) << '\n';
     }
 
     void Commands(const CLI::App& command) {

@@ -1,5 +1,7 @@
 #include "cli/ConfigReport.h"
 
+#include "cli/Printable.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -117,8 +119,8 @@ void PrintFailure(const ConfigReport& report, const Diagnostics& diagnostics) {
 void PrintSummary(const ConfigReport& report) {
     if (!report.summary) return;
     std::map<std::string, std::uint32_t> keys;
-    std::cout << report.file << ": system " << report.system << ", chip " << report.summary->chip << " (id "
-              << report.summary->chipId << ")\n  places\n";
+    std::cout << Printable(report.file) << ": system " << Printable(report.system) << ", chip "
+              << Printable(report.summary->chip) << " (id " << report.summary->chipId << ")\n  places\n";
     for (const ConfigSummary::Place& place : report.summary->places) {
         keys[place.subsystem] += place.keys;
         std::cout << "    " << place.subsystem << ' ' << place.device << ' ' << place.store << ": "

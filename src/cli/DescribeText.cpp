@@ -1,6 +1,7 @@
 #include "cli/DescribeText.h"
 
 #include "cli/KeyText.h"
+#include "cli/Printable.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -15,11 +16,11 @@ constexpr std::size_t LABEL_WIDTH = 14;
 void Line(const std::string& label, const std::string& text, std::size_t depth = 1) {
     if (text.empty()) return;
     const std::string indent(depth * 2, ' ');
-    std::string shown = label;
-    shown.resize(std::max(LABEL_WIDTH, label.size() + 1), ' ');
+    std::string shown = Printable(label);
+    shown.resize(std::max(LABEL_WIDTH, shown.size() + 1), ' ');
     // A text of several lines stays in its column.
     std::cout << indent << shown;
-    for (const char c : text) {
+    for (const char c : PrintableLines(text)) {
         std::cout << c;
         if (c == '\n') std::cout << indent << std::string(shown.size(), ' ');
     }
@@ -56,7 +57,7 @@ void ValueLines(const Json& record, std::size_t depth) {
     Line("format", Word(record, "format"), depth);
     Line("one of", Choices(record), depth);
     for (const Json& field : List(record, "fields")) {
-        std::cout << std::string(depth * 2, ' ') << "field " << Word(field, "name") << '\n';
+        std::cout << std::string(depth * 2, ' ') << "field " << Printable(Word(field, "name")) << '\n';
         Line("type", TypeText(field), depth + 1);
         Line("bits", field.at("bits").dump() + " at " + field.at("bit_position").dump(), depth + 1);
         Line("label", Word(field, "label"), depth + 1);
@@ -73,7 +74,7 @@ void PrintDescription(const Json& record, const std::string& system) {
     const auto number = record.at("number").get<std::uint32_t>();
     std::string suffix;
     for (const Json& index : List(record, "indexes")) suffix += ".<" + Word(index, "name") + ">";
-    std::cout << Word(record, "name") << suffix << (label.empty() ? "" : " - " + label) << '\n';
+    std::cout << Printable(Word(record, "name") + suffix + (label.empty() ? "" : " - " + label)) << '\n';
     Line("subsystem",
          Word(record, "subsystem") + (alias.empty() ? "" : " (" + alias + ")") + " of " + system);
     Line("number", std::to_string(number) + " (" + KeyNumber(number) + ")");

@@ -1,5 +1,6 @@
 #include "cli/DeviceInfo.h"
 
+#include "cli/Printable.h"
 #include "cli/Table.h"
 #include "plugins/image/ImageFormat.h"
 
@@ -102,7 +103,7 @@ void PrintInfo(const Json& document) {
     const std::string system = document["system"];
     std::cout << "family " << document["family"].get<std::string>() << ", chip "
               << (anyChip ? "any" : document["chip"].dump()) << ", system "
-              << (system.empty() ? "any" : system) << '\n'
+              << (system.empty() ? "any" : Printable(system)) << '\n'
               << document["size"] << " bytes, I2C mask " << document["i2c_mask"] << ", resets asked for "
               << document["resets"] << "\n\n";
     Table memories({"MEMORY", "SIZE", "FREE"});

@@ -1,9 +1,9 @@
 #include "cli/Diagnostics.h"
 
 #include "cli/Platform.h"
+#include "cli/Printable.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <iostream>
 #include <string_view>
 
@@ -30,23 +30,23 @@ Diagnostics::Diagnostics(bool noColor)
     : mTerminal(ErrorsGoToTerminal()), mColor(WantsColor(noColor, mTerminal)) {}
 
 void Diagnostics::Report(const std::string& file, const char* severity, const std::string& text) const {
-    std::cerr << file << ": ";
-    Severity(severity, text);
+    Print(Printable(file), severity, text);
 }
 
 void Diagnostics::Report(const std::string& file, std::uint32_t line, std::uint32_t column,
                          const char* severity, const std::string& text) const {
-    std::cerr << file << ':' << line << ':' << column << ": ";
-    Severity(severity, text);
+    Print(Printable(file) + ":" + std::to_string(line) + ":" + std::to_string(column), severity, text);
 }
 
-void Diagnostics::Severity(const char* severity, const std::string& text) const {
+void Diagnostics::Print(const std::string& where, const std::string& severity,
+                        const std::string& text) const {
+    std::string line = where + ": ";
     if (mColor) {
-        const bool error = std::strcmp(severity, "error") == 0;
-        std::cerr << (error ? "\x1b[1;31m" : "\x1b[1;36m") << severity << ":\x1b[0m " << text << '\n';
+        line.append(severity == "error" ? "\x1b[1;31m" : "\x1b[1;36m").append(severity).append(":\x1b[0m ");
     } else {
-        std::cerr << severity << ": " << text << '\n';
+        line.append(severity).append(": ");
     }
+    PrintError(line + PrintableLines(text) + "\n");
 }
 
 void Diagnostics::ShowSource(const std::string& path, std::uint32_t line, std::uint32_t column) {
@@ -61,15 +61,20 @@ void Diagnostics::ShowLine(std::string_view line, std::uint32_t column) const {
     const std::string_view source = line.substr(0, WIDEST_SOURCE);
     std::string shown;
     std::string below;
-    for (std::size_t i = 0; i < source.size(); ++i) {
-        const auto c = static_cast<unsigned char>(source[i]);
-        shown += c == '\t' || (c >= 0x20 && c != 0x7F) ? source[i] : '?';
-        if (i + 1 < column && (c & 0xC0U) != 0x80U) below += c == '\t' ? '\t' : ' ';
+    for (std::size_t at = 0; at < source.size();) {
+        const Character character = FirstCharacter(source.substr(at));
+        const bool asIs = character.printable || source[at] == '\t';
+        shown += asIs ? source.substr(at, character.size) : "?";
+        if (at + 1 < column) below += source[at] == '\t' ? '\t' : ' ';
+        at += character.size;
     }
-    std::cerr << "  " << shown << '\n';
+    std::string lines = "  " + shown + "\n";
     if (column <= source.size() + 1) {
-        std::cerr << "  " << below << (mColor ? "\x1b[1;32m^\x1b[0m" : "^") << '\n';
+        lines += "  " + below + (mColor ? "\x1b[1;32m^\x1b[0m" : "^") + "\n";
     }
+    PrintError(lines);
 }
+
+void PrintError(const std::string& lines) { std::cerr << lines; }
 
 }  // namespace kes::cli

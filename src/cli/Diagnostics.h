@@ -30,11 +30,15 @@ public:
     void ShowLine(std::string_view line, std::uint32_t column) const;
 
 private:
-    void Severity(const char* severity, const std::string& text) const;
+    void Print(const std::string& where, const std::string& severity, const std::string& text) const;
 
     bool mTerminal;
     bool mColor;
     std::optional<SourceLines> mSource;  ///< of the last file that was asked for by its path
 };
+
+/// Prints whole lines on standard error in one step, so that those of several processes do not mix. They are
+/// printed as they are.
+void PrintError(const std::string& lines);
 
 }  // namespace kes::cli

@@ -3,7 +3,6 @@
 #include "cli/Platform.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdlib>
 #include <filesystem>
 
 namespace kes::cli {
@@ -11,8 +10,8 @@ namespace kes::cli {
 namespace {
 
 std::string FromEnvironment(const char* variable, const std::string& otherwise) {
-    const char* value = std::getenv(variable);
-    return value != nullptr && *value != '\0' ? value : otherwise;
+    const std::string value = TrustedVariable(variable);
+    return value.empty() ? otherwise : value;
 }
 
 }  // namespace

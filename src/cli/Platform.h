@@ -10,8 +10,15 @@ namespace kes::cli {
 /// The path of the running command, empty when the system does not tell it.
 std::string ExecutablePath();
 
+/// The value of a variable of the environment that names what to load. Empty when it is not set, and where
+/// the command has other rights than the user who started it.
+std::string TrustedVariable(const char* name);
+
 /// Whether standard error is a terminal.
 bool ErrorsGoToTerminal();
+
+/// Whether standard output is a terminal.
+bool OutputGoesToTerminal();
 
 /// Brings a written file to the disk, then gives it its final name in one step, and brings that to the disk.
 /// False with `errno` set, and the old name kept.

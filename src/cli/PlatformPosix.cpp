@@ -27,7 +27,14 @@ std::string ExecutablePath() {
     return failed ? std::string() : path.string();
 }
 
+std::string TrustedVariable(const char* name) {
+    const char* value = secure_getenv(name);
+    return value == nullptr ? std::string() : value;
+}
+
 bool ErrorsGoToTerminal() { return isatty(STDERR_FILENO) == 1; }
+
+bool OutputGoesToTerminal() { return isatty(STDOUT_FILENO) == 1; }
 
 namespace {
 

@@ -1,5 +1,7 @@
 #include "cli/Table.h"
 
+#include "cli/Printable.h"
+
 #include <algorithm>
 
 namespace kes::cli {
@@ -7,6 +9,12 @@ namespace kes::cli {
 std::size_t CodePoints(std::string_view text) {
     return static_cast<std::size_t>(
         std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+}
+
+void Table::Add(const std::vector<std::string>& row) {
+    std::vector<std::string>& cells = mRows.emplace_back();
+    cells.reserve(row.size());
+    for (const std::string& cell : row) cells.push_back(Printable(cell));
 }
 
 void Table::Print(std::ostream& stream) const {

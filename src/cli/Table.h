@@ -6,11 +6,12 @@
 
 namespace kes::cli {
 
-/// Rows of texts, printed in columns. Widths count code points of UTF-8.
+/// Rows of texts, printed in columns, with what is not printable in quoted form. Widths count code points of
+/// UTF-8.
 class Table {
 public:
-    explicit Table(std::vector<std::string> heads) { Add(std::move(heads)); }
-    void Add(std::vector<std::string> row) { mRows.push_back(std::move(row)); }
+    explicit Table(const std::vector<std::string>& heads) { Add(heads); }
+    void Add(const std::vector<std::string>& row);
     void Print(std::ostream& stream) const;
 
 private:

@@ -1,9 +1,11 @@
 #include "cli/Complete.h"
+#include "cli/Diagnostics.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/ManPages.h"
 #include "cli/NearNames.h"
+#include "cli/Printable.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -158,12 +160,12 @@ int main(int argc, char** argv) {
         const int code = Run(argc, argv);
         std::cout.flush();
         if (std::cout) return code;
-        std::cerr << "kes: standard output cannot be written\n";
+        PrintError("kes: standard output cannot be written\n");
     } catch (const Failure& failure) {
-        std::cerr << "kes: " << failure.what() << '\n';
+        PrintError("kes: " + PrintableLines(failure.what()) + "\n");
         return failure.Code();
     } catch (const std::exception& error) {
-        std::cerr << "kes: " << error.what() << '\n';
+        PrintError("kes: " + PrintableLines(error.what()) + "\n");
     }
     return EXIT_SYSTEM;
 }
