@@ -18,9 +18,10 @@ namespace {
 
 using Progress = std::function<void(std::uint64_t)>;
 
-ConfigReport CheckConfig(ConfigLoader& loader, const ConfigSource& source, bool summary, Progress progress) {
+ConfigReport CheckConfig(ConfigLoader& loader, const ConfigSource& source, bool summary,
+                         std::chrono::milliseconds lockWait, Progress progress) {
     try {
-        const ConfigInput input(source);
+        const ConfigInput input(source, InputAccess::READ, lockWait);
         ConfigReport report = loader.Read(input, std::move(progress));
         if (summary) report.summary = loader.Summary();
         return report;
@@ -43,7 +44,7 @@ void Serve(const Channel& channel, const Globals& globals, const CheckWork& work
         const auto progress = [&](std::uint64_t bytes) { channel.Send(Packed({{"progress", bytes}})); };
         for (std::string request; channel.Receive(request);) {
             const ConfigSource& source = work.sources[Json::from_cbor(request).get<std::size_t>()];
-            const ConfigReport report = CheckConfig(loader, source, work.summaries, progress);
+            const ConfigReport report = CheckConfig(loader, source, work.summaries, globals.lockWait, progress);
             if (!channel.Send(Packed({{"report", ToJson(report)}}))) return;
         }
     } catch (const Failure& failure) {
@@ -161,7 +162,7 @@ void CheckConfigs(const Globals& globals, const CheckWork& work,
     ConfigLoader loader(globals);
     std::uint64_t done = 0;
     for (const ConfigSource& source : work.sources) {
-        take(CheckConfig(loader, source, work.summaries,
+        take(CheckConfig(loader, source, work.summaries, globals.lockWait,
                          [&](std::uint64_t bytes) { bar.Show(done + bytes); }));
         done += ConfigInput::SizeOf(source);
         bar.Show(done);

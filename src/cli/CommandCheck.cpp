@@ -98,6 +98,7 @@ void AddCheck(CLI::App& app, Globals& globals) {
         ->check(CLI::Range(std::size_t{0}, MOST_JOBS))
         ->option_text("N");
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
+    AddLockOption(*command, globals);
     AddExamples(*command, {{"kes check board.ktf", "No output and exit code 0 when the text is good"},
                            {"kes check -v *.ktf", "Several texts, and what was found in them"},
                            {"kes check chunks/ eeprom:board.img", "A folder of chunk files, and a device"}});

@@ -5,16 +5,18 @@
 #include "cli/Help.h"
 #include "cli/OutputFile.h"
 #include "cli/Printable.h"
-#include "cli/TextFile.h"
+#include "files/FileLock.h"
+#include "files/Files.h"
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <iostream>
 #include <map>
 #include <memory>
 #include <string>
 
 namespace kes::cli {
+
+namespace files = VemoKesConfigTools::files;
 
 namespace {
 
@@ -31,7 +33,9 @@ struct ConvertOptions {
     std::string to;
     std::string storeSet;
     SaveOptions save;
+    OutputOptions output;
     bool simple = false;
+    bool dropComments = false;
     bool verbose = false;
 };
 
@@ -46,26 +50,38 @@ void CheckOptions(const ConvertOptions& options, const ConfigSource& from, const
     need(options.simple, to.IsText(), "--simple is for a text");
 }
 
-ExitCode ToText(ConfigLoader& loader, ConfigWriter& writer, const ConvertOptions& options,
-                const std::string& name, const ConfigSource& to) {
+ExitCode ToText(const Globals& globals, ConfigLoader& loader, ConfigWriter& writer,
+                const ConvertOptions& options, const ConfigInput& input, const ConfigSource& to) {
     api::TextForm form;
     form.simple = options.simple;
     form.readsBack = true;
-    const bool toOutput = to.target == "-";
-    const std::string scratch = (std::filesystem::temp_directory_path() / "kes-convert").string();
-    OutputFile output(toOutput ? scratch : to.target);
-    const api::HostString difference = writer.WriteText(output.TemporaryPath(), form);
+    std::string text;
+    const api::HostString difference = writer.RenderText(text, form);
     if (!difference.IsNull()) {
-        loader.Messages().Report(name, "error",
+        loader.Messages().Report(input.Name(), "error",
                                  "cannot be a text, it would not read back the same: " + Text(difference));
         return EXIT_FINDINGS;
     }
-    if (toOutput) {
-        std::cout << ReadWhole(output.TemporaryPath());
-    } else {
-        output.Commit();
+    if (IsStandardOutput(to.target)) {
+        std::cout << text;
+        return EXIT_FINE;
     }
-    return EXIT_FINE;
+    const OutputFile output(globals, to.target, ConfigTextKind(globals, loader), options.output);
+    return writer.ReplaceText(input, output, text, options.dropComments);
+}
+
+/// Whether two configurations are one file or folder.
+bool AreSame(const ConfigSource& from, const ConfigSource& to) {
+    const auto first = files::Look(PathOf(from));
+    const auto second = files::Look(PathOf(to));
+    return first && second && first->IsSameFile(*second);
+}
+
+ExitCode ToBinary(const Globals& globals, ConfigWriter& writer, const ConvertOptions& options,
+                  const ConfigSource& to) {
+    const files::FileLock lock(PathOf(to), files::LockMode::EXCLUSIVE, globals.lockWait);
+    if (to.kind == ConfigKind::CHUNKS && !options.output.force) CheckChunkFolder(to.target);
+    return writer.Save(to, options.save);
 }
 
 /// Says on standard error what was written, so that a text can go to standard output.
@@ -86,12 +102,15 @@ int Run(const Globals& globals, const ConvertOptions& options) {
     const ConfigSource to(options.to);
     CheckOptions(options, from, to);
     if (!options.storeSet.empty()) from.storeSet = STORE_SETS.at(options.storeSet);
-    const ConfigInput input = OpenConfig(from);
+    // Of two different ones only one is locked at a time, so that nobody waits for somebody who waits.
+    const bool isSame = AreSame(from, to);
+    ConfigInput input = OpenConfig(globals, from, isSame ? InputAccess::CHANGE : InputAccess::READ);
     ConfigLoader loader(globals);
     if (const ExitCode loaded = loader.Load(input); loaded != EXIT_FINE) return loaded;
     ConfigWriter writer(globals, loader);
-    const ExitCode written =
-        to.IsText() ? ToText(loader, writer, options, input.Name(), to) : writer.Save(to, options.save);
+    if (!isSame) input.Unlock();
+    const ExitCode written = to.IsText() ? ToText(globals, loader, writer, options, input, to)
+                                         : ToBinary(globals, writer, options, to);
     if (written == EXIT_FINE && options.verbose) PrintWritten(loader, to);
     return written;
 }
@@ -111,6 +130,10 @@ void AddConvert(CLI::App& app, Globals& globals) {
     command->add_option("--store-set", options->storeSet, "From isp: only this store set (default: all)")
         ->check(CLI::IsMember(STORE_SETS))
         ->option_text("SET");
+    command->add_flag("--drop-comments", options->dropComments,
+                      "Where FROM and TO are one text: lose the comments that are not made anew");
+    AddForceOption(*command, options->output);
+    AddLockOption(*command, globals);
     command->add_flag("-v,--verbose", options->verbose, "Say what was written");
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
     AddExamples(*command, {{"kes convert board.ktf chunks/", "A text to a folder of chunk files"},

@@ -1,6 +1,7 @@
 // The commands device create, device info and device create-store.
 
 #include "cli/ConfigAccess.h"
+#include "cli/ConfigInput.h"
 #include "cli/DeviceInfo.h"
 #include "cli/Diagnostics.h"
 #include "cli/ExitCodes.h"
@@ -8,8 +9,11 @@
 #include "cli/Help.h"
 #include "cli/KeyAddress.h"
 #include "cli/Session.h"
+#include "files/FileLock.h"
+#include "files/Files.h"
 #include "plugins/binary/Refusal.h"
 #include "plugins/image/ImageFormat.h"
+#include "plugins/image/ImageSite.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdint>
@@ -26,6 +30,7 @@ namespace kes::cli {
 namespace {
 
 using VemoKesConfigTools::ImageFamily;
+namespace files = VemoKesConfigTools::files;
 
 struct DeviceOptions {
     std::string device;
@@ -90,16 +95,36 @@ VemoKesConfigTools::MemorySize ParseMemory(ImageFamily family, const std::string
     throw Failure(EXIT_USAGE, "no device has a memory \"" + name + "\"");
 }
 
-/// Does what may refuse an image, and reports the refusal.
-int WithImage(const Globals& globals, const ConfigSource& device, const std::function<void()>& work) {
-    try {
-        work();
-        return EXIT_FINE;
-    } catch (const VemoKesConfigTools::Refusal& refusal) {
+/// Does what may refuse an image, under its lock, and reports the refusal.
+int WithImage(const Globals& globals, const ConfigSource& device, files::LockMode access,
+              const std::function<void()>& work) {
+    const auto report = [&](const VemoKesConfigTools::Refusal& refusal) {
         const std::string text = VemoKesConfigTools::TextOf(refusal, device.target);
         Diagnostics(globals.noColor).Report(device.word, "error", text);
         return ExitOf({{0, text}});
+    };
+    try {
+        const files::FileLock lock(PathOf(device), access, globals.lockWait);
+        work();
+        return EXIT_FINE;
+    } catch (const VemoKesConfigTools::Refusal& refusal) {
+        return report(refusal);
+    } catch (const files::FileError& error) {
+        return report(VemoKesConfigTools::ToRefusal(error, device.target));
     }
+}
+
+/// Refuses what an image cannot take the place of: the node of a device stays a node.
+void CheckNode(const ConfigSource& device, std::uint32_t size) {
+    const std::string path = PathOf(device);
+    const auto status = files::Look(path);
+    if (!status || status->kind == files::FileKind::REGULAR) return;
+    if (status->kind != files::FileKind::BLOCK_DEVICE)
+        throw Failure(EXIT_USAGE, device.word + ": is neither a file nor a block device; nothing was written");
+    const std::uint64_t capacity = VemoKesConfigTools::LookAtSite(path).size;
+    if (capacity == size) return;
+    throw Failure(EXIT_USAGE, device.word + ": is a block device of " + std::to_string(capacity) +
+                                  " bytes, not of " + std::to_string(size) + "; nothing was written");
 }
 
 int Create(const Globals& globals, const DeviceOptions& options) {
@@ -118,13 +143,15 @@ int Create(const Globals& globals, const DeviceOptions& options) {
         geometry.chipId = chip->ChipId();
         geometry.systemLabel = Text(chip->SystemVersionLabel());
     }
-    return WithImage(globals, device,
-                     [&] { VemoKesConfigTools::CreateImage(device.target, geometry, options.force); });
+    return WithImage(globals, device, files::LockMode::EXCLUSIVE, [&] {
+        CheckNode(device, geometry.size);
+        VemoKesConfigTools::CreateImage(device.target, geometry, options.force);
+    });
 }
 
 int Info(const Globals& globals, const DeviceOptions& options) {
     const ConfigSource device = DeviceOf(options);
-    return WithImage(globals, device, [&] {
+    return WithImage(globals, device, files::LockMode::SHARED, [&] {
         const VemoKesConfigTools::ImageInfo info = VemoKesConfigTools::ReadImageInfo(device.target);
         if (info.family != FamilyOf(device)) {
             const std::string family(VemoKesConfigTools::NameOf(info.family));
@@ -150,6 +177,7 @@ int CreateStore(const Globals& globals, const DeviceOptions& options) {
         static_cast<std::int32_t>(ParseUpTo(LAST_ID, options.application, "application id"));
     const Session session(globals);
     api::FrameworkFacade facade(globals.database);
+    const files::FileLock lock(PathOf(device), files::LockMode::EXCLUSIVE, globals.lockWait);
     const Listener listener;
     if (facade.CreateKeyStore(device.target, location, store, size, application, options.paired))
         return EXIT_FINE;
@@ -176,7 +204,8 @@ void AddCreate(CLI::App& device, Globals& globals) {
         ->allow_extra_args(false);
     command->add_option("--i2c-mask", options->i2cMask, "Of an eeprom: the mask of its address")
         ->option_text("N");
-    command->add_flag("--force", options->force, "Replace what is there, whatever it is");
+    command->add_flag("--force", options->force, "Replace a file that is there, whatever it is");
+    AddLockOption(*command, globals);
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
     command->get_option("--chip")->description(
         "Firmware system that the device is for, by its version label (environment: KES_CHIP; without both: "
@@ -199,6 +228,7 @@ void AddInfo(CLI::App& device, Globals& globals) {
     const auto options = std::make_shared<DeviceOptions>();
     AddDeviceOption(*command, *options);
     AddJsonOption(*command, globals);
+    AddLockOption(*command, globals);
     AddExamples(*command, {{"kes device info kld:board.img", "Memories and stores"}});
     command->footer(
         "Sizes are in bytes, those of a store are of one of its banks, free is what a content can grow by. "
@@ -222,6 +252,7 @@ void AddCreateStore(CLI::App& device, Globals& globals) {
     command->add_option("--size", options->size, SIZE_HELP)->required()->option_text("SIZE");
     command->add_option("--application", options->application, "The id of the application that it is for")
         ->option_text("N");
+    AddLockOption(*command, globals);
     command->add_flag("--paired", options->paired, "Keep everything twice; on smem only");
     AddDatabaseOptions(*command, globals, /*withChip=*/false);
     AddExamples(*command, {{"kes device create-store kld:board.img --device smem --store 4 --size 2K",

@@ -111,7 +111,7 @@ int Run(const Globals& globals, const DiffOptions& options) {
     document["files"] = options.files;
     Json& systems = document["systems"] = Json::array();
     for (const std::string& name : options.files) {
-        const ConfigInput input = OpenConfig(ConfigSource(name));
+        const ConfigInput input = OpenConfig(globals, ConfigSource(name));
         if (const ExitCode loaded = loader.LoadWhatIsGood(input); loaded != EXIT_FINE) return loaded;
         systems.push_back(Text(loader.Chip()->SystemVersionLabel()));
         const PlaceFilter filter(loader.Library(), *loader.Chip(), options.place);
@@ -142,6 +142,7 @@ void AddDiff(CLI::App& app, Globals& globals) {
                       "Compare one configuration with the default values of its keys");
     AddPlaceOptions(*command, options->place);
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
+    AddLockOption(*command, globals);
     AddJsonOption(*command, globals);
     AddExamples(*command, {{"kes diff old.ktf new.ktf", "What is another key or value in new.ktf"},
                            {"kes diff board.ktf eeprom:board.img", "What is different on a device"},

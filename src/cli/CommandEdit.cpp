@@ -6,19 +6,18 @@
 #include "cli/Help.h"
 #include "cli/OutputFile.h"
 #include "cli/Printable.h"
-#include "cli/Scratch.h"
 #include "cli/TextEditor.h"
 #include "cli/UnifiedDiff.h"
+#include "files/FileLock.h"
+#include "files/Files.h"
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <memory>
 
 namespace kes::cli {
+
+namespace files = VemoKesConfigTools::files;
 
 namespace {
 
@@ -29,6 +28,7 @@ struct EditOptions {
     std::string output;
     bool dryRun = false;
     bool create = false;
+    OutputOptions replace;
 };
 
 constexpr const char* BLANKS = " \t";
@@ -81,13 +81,24 @@ std::vector<Assignment> ParseKeys(const std::vector<std::string>& words) {
     return keys;
 }
 
+/// Whether the text itself is written, so that it is to be locked.
+bool ChangesItself(const EditOptions& options, const ConfigSource& text) {
+    return !options.dryRun && options.output.empty() && !text.IsStandardInput();
+}
+
 ConfigInput OpenOrBegin(const Globals& globals, const EditOptions& options, const ConfigSource& text,
                         EditKind kind) {
-    std::error_code failed;
-    const bool isThere = text.IsStandardInput() || std::filesystem::exists(text.target, failed);
-    if (isThere || kind == EditKind::Unset) return OpenConfig(text);
+    const InputAccess access = ChangesItself(options, text) ? InputAccess::CHANGE : InputAccess::READ;
+    if (text.IsStandardInput() || kind == EditKind::Unset || files::Look(text.target))
+        return OpenConfig(globals, text, access);
     if (!options.create) {
         throw Failure(EXIT_SYSTEM, text.target + ": there is no such file; --create begins a new text");
+    }
+    files::FileLock lock;
+    if (access == InputAccess::CHANGE) {
+        lock = files::FileLock(text.target, files::LockMode::EXCLUSIVE, globals.lockWait);
+        // Somebody else may have begun it meanwhile.
+        if (files::Look(text.target)) return OpenConfig(globals, text, access);
     }
     const Session session(globals);
     const std::string label = Text(session.FindChip(globals.chip)->SystemVersionLabel());
@@ -97,43 +108,32 @@ ConfigInput OpenOrBegin(const Globals& globals, const EditOptions& options, cons
                     "begun as a text of " + label +
                         ", the first of the database; choose another system with --chip");
     }
-    return {text, "version = " + label + "\n"};
+    return {text, "version = " + label + "\n", std::move(lock)};
 }
 
 int EditText(const Globals& globals, const EditOptions& options, const ConfigSource& text, EditKind kind,
              const std::vector<Assignment>& assignments) {
     const ConfigInput input = OpenOrBegin(globals, options, text, kind);
-    const bool isNew = !std::filesystem::exists(text.target) && !text.IsStandardInput();
+    const bool isNew = input.Text()->IsNew();
     TextEditor editor(globals, input, options.place);
     const std::optional<std::string> edited = editor.Edit(kind, assignments);
-    if (!edited) return editor.Result();
+    if (!edited || !editor.Proves(*edited)) return editor.Result();
 
     const std::string target = options.output.empty() ? text.target : options.output;
-    if (options.dryRun || target == "-") {
-        const Scratch scratch(*edited);
-        if (!editor.Proves(scratch.Path())) return editor.Result();
-        const std::string before = isNew ? std::string() : editor.Before();
-        std::cout << (options.dryRun
-                          ? ForOutput(UnifiedDiff(input.Name(), input.Name() + " (changed)", before, *edited))
-                          : *edited);
+    const std::string& before = input.Text()->Content();
+    if (options.dryRun) {
+        std::cout << ForOutput(UnifiedDiff(input.Name(), input.Name() + " (changed)",
+                                            isNew ? std::string() : before, *edited));
         return EXIT_FINE;
     }
-    OutputFile output(target);
-    std::ofstream written(output.TemporaryPath(), std::ios::binary);
-    written << *edited;
-    written.close();
-    if (!written) throw Failure(EXIT_SYSTEM, target + ": cannot be written: " + std::strerror(errno));
-    if (ReadWhole(output.TemporaryPath()) != *edited)
-        throw Failure(EXIT_SYSTEM, target + ": does not read back as it was written; nothing was changed");
-    if (!editor.Proves(output.TemporaryPath())) return editor.Result();
-    if (options.output.empty() && !isNew) {
-        if (*edited == editor.Before()) return EXIT_FINE;
-        if (ReadWhole(text.target) != editor.Before()) {
-            throw Failure(EXIT_SYSTEM,
-                          text.target + ": was changed by somebody else meanwhile; nothing was written");
-        }
+    if (IsStandardOutput(target)) {
+        std::cout << *edited;
+        return EXIT_FINE;
     }
-    output.Commit();
+    const bool isInput = options.output.empty() && !isNew;
+    if (isInput && *edited == before) return EXIT_FINE;
+    const OutputFile output(globals, target, ConfigTextKind(globals, editor.Loader()), options.replace);
+    output.Write(*edited, isInput ? &input.Text()->File() : nullptr);
     return EXIT_FINE;
 }
 
@@ -147,7 +147,8 @@ int EditWhole(const Globals& globals, const EditOptions& options, const ConfigSo
                       "--create begins texts; \"kes convert\" makes chunk files of one, and \"kes device "
                       "create\" a device");
     }
-    const ConfigInput input = OpenConfig(source);
+    const ConfigInput input =
+        OpenConfig(globals, source, options.dryRun ? InputAccess::READ : InputAccess::CHANGE);
     ConfigLoader loader(globals);
     if (const ExitCode loaded = loader.LoadWhatIsGood(input); loaded != EXIT_FINE) return loaded;
     ConfigWriter writer(globals, loader);
@@ -185,6 +186,8 @@ CLI::App* AddEditCommand(CLI::App& app, Globals& globals, EditKind kind, const c
         ->add_option("-o,--output", options->output,
                      "Of a text: write the result there; \"-\" for standard output")
         ->type_name("FILE");
+    AddForceOption(*command, options->replace);
+    AddLockOption(*command, globals);
     if (kind != EditKind::Unset) {
         command->add_flag("--create", options->create, "Begin a new text, for --chip, when there is none");
     }

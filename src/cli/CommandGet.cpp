@@ -27,7 +27,7 @@ public:
         : mGlobals(globals),
           mOptions(options),
           mLoader(globals),
-          mInput(OpenConfig(ConfigSource(options.file))) {}
+          mInput(OpenConfig(globals, ConfigSource(options.file))) {}
 
     int Run() {
         if (const ExitCode loaded = mLoader.LoadWhatIsGood(mInput); loaded != EXIT_FINE) return loaded;
@@ -100,7 +100,7 @@ private:
                                    const KeyAddress& address) {
         using VemoKesConfigTools::TextLine;
         if (mInput.Text() == nullptr) return 0;
-        const VemoKesConfigTools::CTextIndex index(ReadWhole(mInput.Text()->Path()), mGlobals.database,
+        const VemoKesConfigTools::CTextIndex index(mInput.Text()->Content(), mGlobals.database,
                                                    Text(mLoader.Chip()->SystemVersionLabel()));
         std::uint32_t number = 0;
         for (const TextLine& line : index.Lines()) {
@@ -134,6 +134,7 @@ void AddGet(CLI::App& app, Globals& globals) {
         ->required();
     AddPlaceOptions(*command, options->place);
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
+    AddLockOption(*command, globals);
     AddJsonOption(*command, globals);
     AddExamples(*command, {{"kes get board.ktf max_acl_links", "Print a value"},
                            {"kes get eeprom:board.img max_acl_links", "Print it as a device has it"},

@@ -29,7 +29,7 @@ std::vector<std::string> PlaceCells(const api::KeyValue& key) {
 /// A configuration that was loaded for a list of its keys.
 struct Listed {
     Listed(const Globals& globals, const std::string& name, const PlaceOptions& place)
-        : loader(globals), input(OpenConfig(ConfigSource(name))), result(loader.LoadWhatIsGood(input)) {
+        : loader(globals), input(OpenConfig(globals, ConfigSource(name))), result(loader.LoadWhatIsGood(input)) {
         if (result != EXIT_FINE) return;
         const PlaceFilter filter(loader.Library(), *loader.Chip(), place);
         loader.LoadDefaults(filter.Subsystems());
@@ -114,6 +114,7 @@ std::shared_ptr<ListOptions> AddListOptions(CLI::App& command, Globals& globals)
     command.add_option("CONFIG", options->file, CONFIG_HELP)->required();
     AddPlaceOptions(command, options->place);
     AddDatabaseOptions(command, globals, /*withChip=*/true);
+    AddLockOption(command, globals);
     AddJsonOption(command, globals);
     return options;
 }

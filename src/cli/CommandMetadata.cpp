@@ -6,16 +6,14 @@
 #include "cli/Json.h"
 #include "cli/OutputFile.h"
 #include "cli/Printable.h"
+#include "cli/SourceLines.h"
+#include "cli/TextFile.h"
+#include "files/ScratchFile.h"
 #include "metadb/JsonSource.h"
 #include "metadb/MetadataDatabase.h"
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
 
 namespace kes::cli {
@@ -28,32 +26,27 @@ struct MetadataOptions {
     std::vector<std::string> sources;
     std::string database;
     std::string output;
+    OutputOptions replace;
 };
 
-std::string ReadWhole(const std::string& path) {
-    if (path == "-") return {std::istreambuf_iterator<char>(std::cin), {}};
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) throw Failure(EXIT_SYSTEM, path + ": is a directory");
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw Failure(EXIT_SYSTEM, path + ": cannot be opened: " + std::strerror(errno));
-    return {std::istreambuf_iterator<char>(file), {}};
+std::string ReadSource(const std::string& name) {
+    try {
+        return TextFile(name).Content();
+    } catch (const Failure& failure) {
+        throw Failure(failure.Code(), name + ": " + failure.what());
+    }
 }
 
-void WriteBytes(const OutputFile& output, const std::string& bytes) {
-    std::ofstream file(output.TemporaryPath(), std::ios::binary);
-    file << bytes;
-    file.close();
-    if (!file) throw Failure(EXIT_SYSTEM, output.TemporaryPath() + ": cannot be written");
-}
-
-int ReportFaults(const Globals& globals, const MetadataOptions& options,
+int ReportFaults(const Globals& globals, const MetadataOptions& options, const std::vector<std::string>& texts,
                  const std::vector<metadb::SourceFault>& faults) {
     Diagnostics diagnostics(globals.noColor);
+    std::vector<SourceLines> lines(texts.begin(), texts.end());
     for (const metadb::SourceFault& fault : faults) {
         const std::string& source = options.sources[fault.place.file];
         diagnostics.Report(source == "-" ? "<stdin>" : source, fault.place.line, fault.place.column, "error",
                            fault.text);
-        diagnostics.ShowSource(source, fault.place.line, fault.place.column);
+        if (fault.place.line != 0)
+            diagnostics.ShowLine(lines[fault.place.file].Line(fault.place.line), fault.place.column);
     }
     return EXIT_FINDINGS;
 }
@@ -61,38 +54,41 @@ int ReportFaults(const Globals& globals, const MetadataOptions& options,
 int Build(const Globals& globals, const MetadataOptions& options) {
     std::vector<metadb::SystemData> systems;
     std::vector<metadb::SourceFault> faults;
+    std::vector<std::string> texts;
     for (std::size_t i = 0; i < options.sources.size(); ++i) {
-        metadb::ReadJsonSource(ReadWhole(options.sources[i]), static_cast<std::uint32_t>(i), systems, faults);
+        texts.push_back(ReadSource(options.sources[i]));
+        metadb::ReadJsonSource(texts.back(), static_cast<std::uint32_t>(i), systems, faults);
     }
-    if (!faults.empty()) return ReportFaults(globals, options, faults);
+    if (!faults.empty()) return ReportFaults(globals, options, texts, faults);
 
-    OutputFile output(options.output);
+    const OutputFile output(globals, options.output, DatabaseKind(), options.replace);
+    std::string bytes;
     try {
-        WriteBytes(output, metadb::SerializeDatabase(systems));
-        metadb::MetadataDatabase(output.TemporaryPath()).LoadAll();
+        bytes = metadb::SerializeDatabase(systems);
+        // What reads a database takes the path of one.
+        const VemoKesConfigTools::files::ScratchFile scratch(bytes);
+        metadb::MetadataDatabase(scratch.Path()).LoadAll();
+        faults = CheckDefaults(globals.plugins, scratch.Path(), systems);
     } catch (const metadb::DatabaseError& error) {
         throw Failure(EXIT_SYSTEM, error.what());
     }
-    faults = CheckDefaults(globals.plugins, output.TemporaryPath(), systems);
-    if (!faults.empty()) return ReportFaults(globals, options, faults);
-    output.Commit();
+    if (!faults.empty()) return ReportFaults(globals, options, texts, faults);
+    output.Write(bytes);
     return EXIT_FINE;
 }
 
-int Export(const MetadataOptions& options) {
+int Export(const Globals& globals, const MetadataOptions& options) {
     std::string text;
     try {
         text = metadb::WriteJsonSource(metadb::MetadataDatabase(options.database).LoadAll());
     } catch (const metadb::DatabaseError& error) {
         throw Failure(EXIT_SYSTEM, error.what());
     }
-    if (options.output.empty() || options.output == "-") {
+    if (options.output.empty() || IsStandardOutput(options.output)) {
         std::cout << text;
         return EXIT_FINE;
     }
-    OutputFile output(options.output);
-    WriteBytes(output, text);
-    output.Commit();
+    OutputFile(globals, options.output, JsonKind(), options.replace).Write(text);
     return EXIT_FINE;
 }
 
@@ -127,6 +123,8 @@ void AddMetadata(CLI::App& app, Globals& globals) {
         ->required();
     build->add_option("-o,--output", options->output, "The database to write")->required()->type_name("DB");
     AddPluginsOption(*build, globals);
+    AddForceOption(*build, options->replace);
+    AddLockOption(*build, globals);
     AddExamples(*build, {{"kes metadata build chip.json -o chip.db", "Make a database"}});
     build->footer("A wrong source is refused with the places of all its faults, and no database is written.");
     build->callback(
@@ -136,8 +134,10 @@ void AddMetadata(CLI::App& app, Globals& globals) {
     exports->add_option("DB", options->database, "The database")->required();
     exports->add_option("-o,--output", options->output, "Where to write; standard output without it")
         ->type_name("FILE");
+    AddForceOption(*exports, options->replace);
+    AddLockOption(*exports, globals);
     AddExamples(*exports, {{"kes metadata export chip.db -o chip.json", "Get the source back"}});
-    exports->callback([&globals, options] { globals.run = [options] { return Export(*options); }; });
+    exports->callback([&globals, options] { globals.run = [&globals, options] { return Export(globals, *options); }; });
 
     CLI::App* check = command->add_subcommand("check", "Check a database for damage");
     check->add_option("DB", options->database, "The database")->required();

@@ -1,4 +1,3 @@
-#include "cli/Comments.h"
 #include "cli/ConfigWriter.h"
 #include "cli/ExitCodes.h"
 #include "cli/Globals.h"
@@ -6,9 +5,9 @@
 #include "cli/OutputFile.h"
 #include "cli/Printable.h"
 #include "cli/UnifiedDiff.h"
+#include "files/Files.h"
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -25,76 +24,64 @@ struct RewriteOptions {
     bool check = false;
     bool simple = false;
     bool dropComments = false;
+    OutputOptions replace;
 };
 
-/// Rewrites one text. What was written is read back and compared before anybody sees it.
+/// Rewrites one text. What is written is read back and compared before anybody sees it.
 class Rewriter {
 public:
     Rewriter(const Globals& globals, const RewriteOptions& options)
         : mGlobals(globals),
           mOptions(options),
+          mTarget(options.inPlace ? options.file : options.output),
           mLoader(globals),
-          mInput(OpenConfig(ConfigSource(options.file))) {
+          mInput(OpenConfig(globals, ConfigSource(options.file), AccessFor(options.file, mTarget))) {
         if (mInput.Text() != nullptr) return;
-        throw Failure(EXIT_USAGE, options.file + " is no text; \"kes convert\" makes one of it");
+        throw Failure(EXIT_USAGE, options.file + " is not a text; \"kes convert\" makes one of it");
     }
 
     int Run() {
         if (const ExitCode loaded = mLoader.Load(mInput); loaded != EXIT_FINE) return loaded;
-        if (mOptions.inPlace) return InPlace();
-        const std::string scratch = (std::filesystem::temp_directory_path() / "kes-rewrite").string();
-        OutputFile output(!mOptions.output.empty() && mOptions.output != "-" ? mOptions.output : scratch);
-        if (const ExitCode written = Write(output.TemporaryPath()); written != EXIT_FINE) return written;
-        if (mOptions.check) return Check(ReadWhole(output.TemporaryPath()));
-        if (mOptions.output.empty() || mOptions.output == "-") {
-            std::cout << ReadWhole(output.TemporaryPath());
-        } else {
-            output.Commit();
+        api::TextForm form;
+        form.simple = mOptions.simple;
+        form.readsBack = true;
+        ConfigWriter writer(mGlobals, mLoader);
+        std::string text;
+        const api::HostString difference = writer.RenderText(text, form);
+        if (!difference.IsNull()) {
+            mLoader.Messages().Report(
+                mInput.Name(), "error",
+                "cannot be rewritten, it would not read back the same: " + Text(difference));
+            return EXIT_FINDINGS;
         }
-        return EXIT_FINE;
+        if (mOptions.check) return Check(text);
+        if (mTarget.empty() || IsStandardOutput(mTarget)) {
+            std::cout << text;
+            return EXIT_FINE;
+        }
+        const OutputFile output(mGlobals, mTarget, ConfigTextKind(mGlobals, mLoader), mOptions.replace);
+        return writer.ReplaceText(mInput, output, text, mOptions.dropComments);
     }
 
 private:
-    int InPlace() {
-        OutputFile output(mInput.Text()->Path());
-        if (const ExitCode written = Write(output.TemporaryPath()); written != EXIT_FINE) return written;
-        const std::string before = ReadWhole(mInput.Text()->Path());
-        const std::string after = ReadWhole(output.TemporaryPath());
-        if (before == after) return EXIT_FINE;
-        const std::vector<std::string> lost = CommentsMissing(before, after);
-        if (!lost.empty() && !mOptions.dropComments) {
-            mLoader.Messages().Report(mInput.Name(), "error",
-                                      std::to_string(lost.size()) +
-                                          (lost.size() == 1 ? " comment" : " comments") +
-                                          " would be lost, the first of them \"" + lost.front() +
-                                          "\"; nothing was written, --drop-comments allows it");
-            return EXIT_FINDINGS;
-        }
-        output.Commit();
-        return EXIT_FINE;
+    /// A text that is replaced is locked before it is read.
+    static InputAccess AccessFor(const std::string& file, const std::string& target) {
+        if (target.empty() || IsStandardOutput(target)) return InputAccess::READ;
+        const auto first = VemoKesConfigTools::files::Look(file);
+        const auto second = VemoKesConfigTools::files::Look(target);
+        return first && second && first->IsSameFile(*second) ? InputAccess::CHANGE : InputAccess::READ;
     }
 
     int Check(const std::string& text) {
-        const std::string before = ReadWhole(mInput.Text()->Path());
+        const std::string& before = mInput.Text()->Content();
         if (before == text) return EXIT_FINE;
         std::cout << ForOutput(UnifiedDiff(mInput.Name(), mInput.Name() + " (rewritten)", before, text));
         return EXIT_FINDINGS;
     }
 
-    ExitCode Write(const std::string& path) {
-        api::TextForm form;
-        form.simple = mOptions.simple;
-        form.readsBack = true;
-        const api::HostString difference = ConfigWriter(mGlobals, mLoader).WriteText(path, form);
-        if (difference.IsNull()) return EXIT_FINE;
-        mLoader.Messages().Report(
-            mInput.Name(), "error",
-            "cannot be rewritten, it would not read back the same: " + Text(difference));
-        return EXIT_FINDINGS;
-    }
-
     const Globals& mGlobals;
     const RewriteOptions& mOptions;
+    std::string mTarget;  ///< empty for standard output
     ConfigLoader mLoader;
     ConfigInput mInput;
 };
@@ -117,14 +104,16 @@ void AddRewrite(CLI::App& app, Globals& globals) {
         ->excludes(inPlace);
     command->add_flag("--simple", options->simple, "One line for each key, without comments");
     command->add_flag("--drop-comments", options->dropComments,
-                      "With -i: let go of comments that are not made anew");
+                      "Where the text itself is replaced: lose the comments that are not made anew");
+    AddForceOption(*command, options->replace);
+    AddLockOption(*command, globals);
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
     AddExamples(*command, {{"kes rewrite --check board.ktf", "Show what would change"},
                            {"kes rewrite board.ktf -o new.ktf", "Write to another file"},
                            {"kes rewrite -i board.ktf", "Replace the text"}});
     command->footer(
         "Keys, values and places stay, their layout is made anew, and comments are made anew from the "
-        "metadata: comments of your own are lost. With -i this asks for --drop-comments.\n"
+        "metadata: comments of your own are lost. Replacing the text itself then needs --drop-comments.\n"
         "What was written is read back and compared first. A text with errors is not rewritten.");
     command->callback([&globals, options] {
         globals.run = [&globals, options] {

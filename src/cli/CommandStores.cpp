@@ -58,7 +58,7 @@ void PrintTable(const Json& stores) {
 
 int Run(const Globals& globals, const std::string& name) {
     ConfigLoader loader(globals);
-    const ConfigInput input = OpenConfig(ConfigSource(name));
+    const ConfigInput input = OpenConfig(globals, ConfigSource(name));
     if (const ExitCode loaded = loader.LoadWhatIsGood(input); loaded != EXIT_FINE) return loaded;
     Json document = JsonDocument("stores");
     document["file"] = input.Name();
@@ -82,6 +82,7 @@ void AddStores(CLI::App& app, Globals& globals) {
     const auto file = std::make_shared<std::string>();
     command->add_option("CONFIG", *file, CONFIG_HELP)->required();
     AddDatabaseOptions(*command, globals, /*withChip=*/true);
+    AddLockOption(*command, globals);
     AddJsonOption(*command, globals);
     command->footer(
         "Stores are those on otp, mtp, smem and eeprom, in this order, with what the configuration "

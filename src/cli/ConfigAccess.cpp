@@ -7,12 +7,11 @@ namespace kes::cli {
 
 namespace api = VEMO::Kes::ConfigurationTools;
 
-bool LoadConfig(api::FrameworkFacade& facade, const ConfigSource& source) {
+bool LoadDevice(api::FrameworkFacade& facade, const ConfigSource& source) {
     switch (source.kind) {
         case ConfigKind::TEXT:
-            break;
         case ConfigKind::CHUNKS:
-            return facade.LoadBinary(source.target, /*merge=*/false);
+            break;
         case ConfigKind::EEPROM:
             return facade.LoadFromDeviceKesEeprom(source.target, /*merge=*/false);
         case ConfigKind::ISP:
@@ -20,7 +19,7 @@ bool LoadConfig(api::FrameworkFacade& facade, const ConfigSource& source) {
         case ConfigKind::KLD:
             return facade.LoadFromDeviceOstrel(source.target, /*merge=*/false);
     }
-    return facade.LoadText(source.target, /*merge=*/false);
+    return false;
 }
 
 bool SaveConfig(api::FrameworkFacade& facade, const ConfigSource& target, const SaveOptions& options) {
@@ -37,9 +36,7 @@ bool SaveConfig(api::FrameworkFacade& facade, const ConfigSource& target, const 
         case ConfigKind::KLD:
             return facade.SaveToDeviceOstrel(target.target, options.merge);
     }
-    api::TextForm form;
-    form.readsBack = true;
-    return facade.SaveText(target.target, form);
+    return false;
 }
 
 ExitCode ExitOf(const std::vector<Listener::Error>& errors) {

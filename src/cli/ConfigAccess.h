@@ -11,9 +11,8 @@ namespace kes::cli {
 
 // The operations of the library that go with each kind of configuration.
 
-/// Loads a configuration in place of what the facade holds. The result alone does not tell that all of a
-/// folder was read; any error that was heard does.
-bool LoadConfig(VEMO::Kes::ConfigurationTools::FrameworkFacade& facade, const ConfigSource& source);
+/// Loads what a device holds in place of what the facade holds.
+bool LoadDevice(VEMO::Kes::ConfigurationTools::FrameworkFacade& facade, const ConfigSource& source);
 
 /// How a device is written.
 struct SaveOptions {
@@ -21,7 +20,7 @@ struct SaveOptions {
     bool reset = false;  ///< isp: the device is reset afterwards
 };
 
-/// Writes what the facade holds; a text in a form that reads back.
+/// Writes what the facade holds to a folder or device.
 bool SaveConfig(VEMO::Kes::ConfigurationTools::FrameworkFacade& facade, const ConfigSource& target,
                 const SaveOptions& options);
 

@@ -2,7 +2,6 @@
 
 #include "cli/DeviceNames.h"
 #include "cli/Listener.h"
-#include "cli/Scratch.h"
 #include "kes/configtools/readerwriters/kestext/common/textindex/CTextIndex.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/CParserError.h"
 
@@ -187,10 +186,10 @@ bool ConfigEditor::EndInTheirLines(const std::vector<EditTarget>& targets,
 
 /// `Change` for the places in which the library sets no single values: by a text that is merged.
 bool ConfigEditor::ChangeByText(const EditTarget& target, const Assignment& assignment) {
-    const Scratch scratch("subsystem=" + Text(target.subsystem->Name()) + "\ndevice=" +
+    std::string text("subsystem=" + Text(target.subsystem->Name()) + "\ndevice=" +
                           DeviceName(target.place.device) + "\nstore=" + std::to_string(target.place.store) +
                           "\n" + assignment.key.text + "=" + assignment.value + "\n");
-    return mLoader.Facade().LoadText(scratch.Path(), /*merge=*/true);
+    return mLoader.Facade().LoadTextFromMemory(std::move(text), /*merge=*/true);
 }
 
 void ConfigEditor::Refuse(const std::string& text) { mLoader.Messages().Report(mName, "error", text); }

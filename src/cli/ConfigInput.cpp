@@ -1,53 +1,66 @@
 #include "cli/ConfigInput.h"
 
+#include "cli/ConfigAccess.h"
 #include "cli/ExitCodes.h"
+#include "files/Files.h"
+#include "files/FolderSet.h"
 #include "plugins/binary/ChunkFile.h"
+#include "plugins/binary/Refusal.h"
+#include "plugins/image/Connection.h"
 #include "plugins/image/ImageInfo.h"
 
-#include <filesystem>
-#include <fstream>
-#include <set>
+#include <algorithm>
 #include <utility>
 
 namespace kes::cli {
 
+namespace api = VEMO::Kes::ConfigurationTools;
+namespace files = VemoKesConfigTools::files;
+
 namespace {
 
-void CheckFolder(const std::string& path) {
-    std::error_code failed;
-    const std::filesystem::directory_iterator ignored(path, failed);
-    if (failed) throw Failure(EXIT_SYSTEM, "cannot be opened: " + failed.message());
+files::FileLock LockFor(const ConfigSource& source, InputAccess access, std::chrono::milliseconds wait) {
+    const bool isPlainText = source.IsText() && access != InputAccess::CHANGE;
+    if (access == InputAccess::PEEK || isPlainText || source.IsStandardInput()) return {};
+    const auto mode = access == InputAccess::CHANGE ? files::LockMode::EXCLUSIVE : files::LockMode::SHARED;
+    return {PathOf(source), mode, wait};
 }
 
-/// The system of the first chunk file by name that tells one.
-std::string SystemOfFolder(const std::string& folder) {
-    constexpr std::streamsize ENOUGH = 4096;
-    std::set<std::filesystem::path> paths;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        if (entry.path().extension() == VemoKesConfigTools::CHUNK_EXTENSION) paths.insert(entry.path());
+/// All chunk files of a folder. The library passes over what it cannot read; here nobody may take a part for the
+/// whole.
+std::vector<api::ChunkContent> ReadChunks(const std::string& folder) {
+    std::vector<api::ChunkContent> chunks;
+    for (const files::SetEntry& entry : files::ListSet(folder, VemoKesConfigTools::CHUNK_EXTENSION)) {
+        chunks.push_back({files::Join(folder, entry.name), files::ReadSetFile(folder, entry)});
+        if (!chunks.back().bytes.empty()) continue;
+        throw files::FileError(files::FileAction::READ, chunks.back().name, "the file is empty");
     }
-    for (const auto& path : paths) {
-        std::string bytes(ENOUGH, '\0');
-        std::ifstream file(path, std::ios::binary);
-        file.read(bytes.data(), ENOUGH);
-        bytes.resize(static_cast<std::size_t>(file.gcount()));
-        if (const auto system = VemoKesConfigTools::SystemOfChunk(bytes)) return *system;
-    }
-    return {};
+    return chunks;
 }
 
 }  // namespace
 
-ConfigInput::ConfigInput(ConfigSource source) : mSource(std::move(source)) {
-    if (mSource.kind == ConfigKind::CHUNKS) CheckFolder(mSource.target);
-    if (!mSource.IsText()) return;
-    mFile.emplace(mSource.target);
-    mSource.target = mFile->Path();
+std::string PathOf(const ConfigSource& source) {
+    return source.IsDevice() ? VemoKesConfigTools::PathOfConnection(source.target) : source.target;
 }
 
-ConfigInput::ConfigInput(ConfigSource source, const std::string& content) : mSource(std::move(source)) {
-    mFile.emplace(mSource.target, content);
-    mSource.target = mFile->Path();
+ConfigInput::ConfigInput(ConfigSource source, InputAccess access, std::chrono::milliseconds lockWait)
+    : mSource(std::move(source)) {
+    try {
+        mLock = LockFor(mSource, access, lockWait);
+        if (mSource.kind == ConfigKind::CHUNKS) mChunks = ReadChunks(mSource.target);
+    } catch (const files::FileError& error) {
+        throw Failure(EXIT_SYSTEM,
+                      error.Path() == mSource.target ? error.Reason() : std::string(error.what()));
+    } catch (const VemoKesConfigTools::Refusal& refusal) {
+        throw Failure(EXIT_USAGE, refusal.what());
+    }
+    if (mSource.IsText()) mText.emplace(mSource.target);
+}
+
+ConfigInput::ConfigInput(ConfigSource source, const std::string& content, files::FileLock lock)
+    : mSource(std::move(source)), mLock(std::move(lock)) {
+    mText.emplace(mSource.target, content);
 }
 
 std::uint64_t ConfigInput::SizeOf(const ConfigSource& source) {
@@ -55,14 +68,27 @@ std::uint64_t ConfigInput::SizeOf(const ConfigSource& source) {
 }
 
 std::string ConfigInput::System() const {
-    if (mFile) return mFile->Version();
-    if (mSource.kind == ConfigKind::CHUNKS) return SystemOfFolder(mSource.target);
-    return VemoKesConfigTools::SystemOfImage(mSource.target).value_or(std::string());
+    if (mText) return mText->Version();
+    if (mSource.IsDevice())
+        return VemoKesConfigTools::SystemOfImage(mSource.target).value_or(std::string());
+    // The first by name that tells one.
+    const api::ChunkContent* first = nullptr;
+    for (const api::ChunkContent& chunk : mChunks) {
+        const bool isEarlier = first == nullptr || chunk.name < first->name;
+        if (isEarlier && VemoKesConfigTools::SystemOfChunk(chunk.bytes)) first = &chunk;
+    }
+    return first == nullptr ? std::string() : *VemoKesConfigTools::SystemOfChunk(first->bytes);
 }
 
-ConfigInput OpenConfig(const ConfigSource& source) {
+bool ConfigInput::Load(api::FrameworkFacade& facade) const {
+    if (mText) return facade.LoadTextFromMemory(mText->Content(), /*merge=*/false);
+    if (mSource.kind == ConfigKind::CHUNKS) return facade.LoadBinaryFromMemory(mChunks, /*merge=*/false);
+    return LoadDevice(facade, mSource);
+}
+
+ConfigInput OpenConfig(const Globals& globals, const ConfigSource& source, InputAccess access) {
     try {
-        return ConfigInput(source);
+        return {source, access, globals.lockWait};
     } catch (const Failure& failure) {
         throw Failure(failure.Code(), source.word + ": " + failure.what());
     }

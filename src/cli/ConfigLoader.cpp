@@ -89,7 +89,7 @@ ConfigReport ConfigLoader::Read(const ConfigInput& input, std::function<void(std
     ConfigReport report;
     report.file = input.Name();
     report.system = Text(mChip->SystemVersionLabel());
-    const bool loaded = LoadConfig(mFacade, input.Source());
+    const bool loaded = input.Load(mFacade);
     if (const TextFile* text = input.Text()) {
         if (!loaded) TakeFindings(*text, listener, report);
     } else if (!loaded || !listener.OtherErrors().empty()) {
@@ -128,7 +128,7 @@ bool ConfigLoader::ChooseChip(const ConfigInput& input) {
 void ConfigLoader::TakeFindings(const TextFile& text, const Listener& listener, ConfigReport& report) {
     for (const auto& [number, error] : listener.OtherErrors()) report.errors.push_back(error);
     report.exit = report.errors.empty() || text.IsEmpty() ? EXIT_FINDINGS : EXIT_SYSTEM;
-    SourceLines lines(text.Path());
+    SourceLines lines(text.Content());
     for (const TextFinding& said : listener.Findings()) {
         Finding finding;
         finding.line = said.line;

@@ -44,6 +44,12 @@ struct ConfigSource {
     bool IsText() const { return kind == ConfigKind::TEXT; }
     bool IsDevice() const { return !IsText() && kind != ConfigKind::CHUNKS; }
     bool IsStandardInput() const { return IsText() && target == "-"; }
+
+private:
+    void CheckPath() const;
 };
+
+/// Refuses a path that cannot pass the library unchanged. Throws `Failure`.
+void CheckUtf8(const std::string& path);
 
 }  // namespace kes::cli

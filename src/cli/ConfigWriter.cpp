@@ -1,7 +1,6 @@
 #include "cli/ConfigWriter.h"
 
-#include "cli/Scratch.h"
-#include "cli/TextFile.h"
+#include "cli/Comments.h"
 #include "facade/Framework.h"
 
 #include <set>
@@ -32,25 +31,47 @@ void RemoveSetsOf(api::FrameworkFacade& other, api::FrameworkFacade& facade) {
 
 }  // namespace
 
-api::HostString ConfigWriter::WriteText(const std::string& path, const api::TextForm& form) {
-    SaveText(path, form);
+api::HostString ConfigWriter::RenderText(std::string& text, const api::TextForm& form) {
+    text = SaveText(form);
     api::FrameworkFacade again(mGlobals.database);
     again.OwningChip(mLoader.Chip());
-    again.LoadText(path, /*merge=*/false);
+    again.LoadTextFromMemory(text, /*merge=*/false);
     return mLoader.Facade().FirstDifference(again);
+}
+
+ExitCode ConfigWriter::ReplaceText(const ConfigInput& input, const OutputFile& output, const std::string& text,
+                                   bool dropComments) {
+    const TextFile* const before = input.Text();
+    const bool isInput = before != nullptr && output.Before() &&
+                         output.Before()->status.IsSameFile(before->File().status);
+    if (!isInput) {
+        output.Write(text);
+        return EXIT_FINE;
+    }
+    if (before->Content() == text) return EXIT_FINE;
+    const std::vector<std::string> lost = CommentsMissing(before->Content(), text);
+    if (!lost.empty() && !dropComments) {
+        mLoader.Messages().Report(
+            input.Name(), "error",
+            std::to_string(lost.size()) + (lost.size() == 1 ? " comment" : " comments") +
+                " would be lost, the first of them \"" + lost.front() +
+                "\"; nothing was written, --drop-comments allows it");
+        return EXIT_FINDINGS;
+    }
+    output.Write(text, &before->File());
+    return EXIT_FINE;
 }
 
 std::string ConfigWriter::AsText() {
     api::TextForm form;
     form.simple = true;
     form.readsBack = true;
-    const Scratch text({});
-    SaveText(text.Path(), form);
-    return ReadWhole(text.Path());
+    return SaveText(form);
 }
 
-void ConfigWriter::SaveText(const std::string& path, const api::TextForm& form) {
-    if (mLoader.Facade().SaveText(path, form)) return;
+std::string ConfigWriter::SaveText(const api::TextForm& form) {
+    std::string text;
+    if (mLoader.Facade().SaveTextToMemory(text, form)) return text;
     api::HostString message;
     api::Framework::GetLastError(message);
     throw Failure(EXIT_SYSTEM, Text(message));
@@ -63,8 +84,7 @@ ExitCode ConfigWriter::Save(const ConfigSource& target, const SaveOptions& optio
     if (keeps) {
         if (const ExitCode failed = Load(expected, target); failed != EXIT_FINE) return failed;
         if (target.kind == ConfigKind::ISP) RemoveSetsOf(mLoader.Facade(), expected);
-        const Scratch text(AsText());
-        expected.LoadText(text.Path(), /*merge=*/true);
+        expected.LoadTextFromMemory(AsText(), /*merge=*/true);
     }
     const Listener listener;
     if (!SaveConfig(mLoader.Facade(), target, options) || !listener.OtherErrors().empty())
@@ -80,9 +100,10 @@ ExitCode ConfigWriter::Save(const ConfigSource& target, const SaveOptions& optio
 }
 
 ExitCode ConfigWriter::Load(api::FrameworkFacade& facade, const ConfigSource& source) {
+    const ConfigInput input(source, InputAccess::PEEK, mGlobals.lockWait);
     const Listener listener;
     facade.OwningChip(mLoader.Chip());
-    if (LoadConfig(facade, source) && listener.OtherErrors().empty()) return EXIT_FINE;
+    if (input.Load(facade) && listener.OtherErrors().empty()) return EXIT_FINE;
     return Report(source, listener);
 }
 

@@ -2,6 +2,7 @@
 
 #include "cli/ConfigAccess.h"
 #include "cli/ConfigLoader.h"
+#include "cli/OutputFile.h"
 
 #include <string>
 #include <vector>
@@ -13,16 +14,22 @@ class ConfigWriter {
 public:
     ConfigWriter(const Globals& globals, ConfigLoader& loader) : mGlobals(globals), mLoader(loader) {}
 
-    /// Writes a text. Gives where it would not read back the same, null when it does. Throws `Failure`.
-    api::HostString WriteText(const std::string& path, const api::TextForm& form);
+    /// Makes a text that reads back. Gives where it would not read back the same, null when it does. Throws
+    /// `Failure`.
+    api::HostString RenderText(std::string& text, const api::TextForm& form);
+    /// Puts a rendered text into a file, unless that is the input itself and would lose comments of its author.
+    /// `EXIT_FINE`, or another code with the reason printed. Throws `Failure`.
+    ExitCode ReplaceText(const ConfigInput& input, const OutputFile& output, const std::string& text,
+                         bool dropComments);
     /// The configuration as a text of one line for each key. Throws `Failure`.
     std::string AsText();
-    /// Writes to a folder of chunk files or to a device. `EXIT_FINE`, or another code with the reason
-    /// printed; the target is then as it was, unless the reason is that it does not read back.
+    /// Writes to a folder of chunk files or to a device, which the caller has locked. `EXIT_FINE`, or another
+    /// code with the reason printed; the target is then as it was, unless the reason is that it does not read
+    /// back. Throws `Failure`.
     ExitCode Save(const ConfigSource& target, const SaveOptions& options);
 
 private:
-    void SaveText(const std::string& path, const api::TextForm& form);
+    std::string SaveText(const api::TextForm& form);
     ExitCode Load(api::FrameworkFacade& facade, const ConfigSource& source);
     ExitCode Report(const ConfigSource& target, const Listener& listener);
 

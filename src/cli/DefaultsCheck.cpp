@@ -2,12 +2,12 @@
 
 #include "cli/ExitCodes.h"
 #include "cli/Listener.h"
-#include "cli/OutputFile.h"
 #include "cli/Session.h"
 #include "facade/FrameworkFacade.h"
 
-#include <fstream>
 #include <map>
+#include <sstream>
+#include <utility>
 
 namespace kes::cli {
 
@@ -54,16 +54,13 @@ std::vector<metadb::SourceFault> CheckDefaults(const std::string& plugins, const
     const Session session(globals);
     api::FrameworkFacade facade(database);
     for (const metadb::SystemData& system : systems) {
-        OutputFile scratch(database + ".defaults");
-        std::ofstream text(scratch.TemporaryPath(), std::ios::binary);
+        std::ostringstream text;
         const std::map<std::uint32_t, Origin> origins = WriteDefaults(text, system);
-        text.close();
-        if (!text) throw Failure(EXIT_SYSTEM, scratch.TemporaryPath() + ": cannot be written");
         if (origins.empty()) continue;
 
         const Listener listener;
         facade.OwningChip(session.FindChip(system.label));
-        facade.LoadText(scratch.TemporaryPath(), /*merge=*/false);
+        facade.LoadTextFromMemory(std::move(text).str(), /*merge=*/false);
         for (const auto& [number, error] : listener.OtherErrors()) throw Failure(EXIT_SYSTEM, error);
         for (const VemoKesConfigTools::TextFinding& finding : listener.Findings()) {
             const auto origin = origins.find(finding.line);

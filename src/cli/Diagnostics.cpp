@@ -49,12 +49,6 @@ void Diagnostics::Print(const std::string& where, const std::string& severity,
     PrintError(line + PrintableLines(text) + "\n");
 }
 
-void Diagnostics::ShowSource(const std::string& path, std::uint32_t line, std::uint32_t column) {
-    if (!mTerminal || line == 0) return;
-    if (!mSource || mSource->Path() != path) mSource.emplace(path);
-    ShowLine(mSource->Line(line), column);
-}
-
 void Diagnostics::ShowLine(std::string_view line, std::uint32_t column) const {
     if (!mTerminal) return;
     // Neither the caret nor its line is of use in a line of megabytes, and no byte may act on the terminal.

@@ -24,9 +24,7 @@ public:
     /// A message about a place in a file, both counted from 1, the column in bytes.
     void Report(const std::string& file, std::uint32_t line, std::uint32_t column, const char* severity,
                 const std::string& text) const;
-    /// The source line of a place with a caret, on a terminal only. `path` is read when it is first needed.
-    void ShowSource(const std::string& path, std::uint32_t line, std::uint32_t column);
-    /// The same for a line that is at hand.
+    /// The source line of a place with a caret, on a terminal only.
     void ShowLine(std::string_view line, std::uint32_t column) const;
 
 private:
@@ -34,7 +32,6 @@ private:
 
     bool mTerminal;
     bool mColor;
-    std::optional<SourceLines> mSource;  ///< of the last file that was asked for by its path
 };
 
 /// Prints whole lines on standard error in one step, so that those of several processes do not mix. They are

@@ -3,6 +3,7 @@
 #include "cli/Platform.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <filesystem>
 
 namespace kes::cli {
@@ -27,6 +28,20 @@ Globals DefaultGlobals() {
 
 void AddJsonOption(CLI::App& command, Globals& globals) {
     command.add_flag("--json", globals.json, "Print the results as one JSON document");
+}
+
+void AddLockOption(CLI::App& command, Globals& globals) {
+    constexpr double LONGEST = 1'000'000;
+    command
+        .add_option_function<double>(
+            "--lock-timeout",
+            [&globals](double seconds) {
+                constexpr double MILLISECONDS = 1000;
+                globals.lockWait = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * MILLISECONDS));
+            },
+            "How long to wait for what another process has locked, in seconds (default: 10)")
+        ->check(CLI::Range(0.0, LONGEST))
+        ->option_text("SECONDS");
 }
 
 void AddPluginsOption(CLI::App& command, Globals& globals) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 
@@ -15,7 +16,9 @@ struct Globals {
     std::string plugins;
     std::string chip;  ///< a system version label; empty for the default
     bool noColor = false;
-    bool json = false;         ///< results as one JSON document
+    bool json = false;  ///< results as one JSON document
+    /// How long to wait for a file that another process has locked.
+    std::chrono::milliseconds lockWait = std::chrono::seconds(10);
     std::function<int()> run;  ///< set by the command that was chosen
 };
 
@@ -24,6 +27,8 @@ Globals DefaultGlobals();
 
 /// Adds `--json` to a command that prints results.
 void AddJsonOption(CLI::App& command, Globals& globals);
+/// Adds `--lock-timeout` to a command that opens configurations or writes files.
+void AddLockOption(CLI::App& command, Globals& globals);
 void AddPluginsOption(CLI::App& command, Globals& globals);
 /// Adds `--db`, `--plugins` and, where it makes sense, `--chip` to a command.
 void AddDatabaseOptions(CLI::App& command, Globals& globals, bool withChip);

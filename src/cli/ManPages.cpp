@@ -4,13 +4,14 @@
 
 #include "cli/ExitCodes.h"
 #include "cli/Help.h"
+#include "files/Files.h"
+#include "files/ReplaceFile.h"
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <sstream>
+#include <utility>
 
 namespace kes::cli {
 
@@ -213,19 +214,26 @@ private:
     std::string mExitStatus;
 };
 
-void WritePages(const CLI::App& command, const std::filesystem::path& folder) {
-    const std::filesystem::path path = folder / (PageName(command) + ".1");
-    std::ofstream file(path, std::ios::binary);
-    Page(file, command).Write();
-    file.close();
-    if (!file) throw Failure(EXIT_SYSTEM, path.string() + ": cannot be written");
+void WritePages(const CLI::App& command, const std::string& folder) {
+    std::ostringstream page;
+    Page(page, command).Write();
+    VemoKesConfigTools::files::ReplaceFile(VemoKesConfigTools::files::Join(folder, PageName(command) + ".1"),
+                                           std::move(page).str());
     for (const CLI::App* child : CommandsOf(command)) WritePages(*child, folder);
+}
+
+void MakeFolders(const std::string& path) {
+    namespace files = VemoKesConfigTools::files;
+    if (files::Look(path)) return;
+    const std::size_t slash = path.find_last_of('/');
+    if (slash != std::string::npos && slash != 0) MakeFolders(path.substr(0, slash));
+    files::MakeFolder(path);
 }
 
 }  // namespace
 
 int WriteManPages(const CLI::App& app, const std::string& folder) {
-    std::filesystem::create_directories(folder);
+    MakeFolders(folder);
     WritePages(app, folder);
     return EXIT_FINE;
 }

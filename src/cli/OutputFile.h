@@ -1,27 +1,65 @@
 #pragma once
 
+#include "cli/ConfigLoader.h"
+#include "cli/Globals.h"
+#include "files/FileLock.h"
+#include "files/Files.h"
+
+#include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace kes::cli {
 
-/// A file that appears whole or not at all: it is written under a temporary name beside its place, and takes
-/// that place when it is complete. A symbolic link is followed, permissions and the owner are kept. Without
-/// `Commit` nothing is left behind.
+/// How a file is written that may be there already.
+struct OutputOptions {
+    bool force = false;
+};
+
+/// Adds `--force`.
+void AddForceOption(CLI::App& command, OutputOptions& options);
+
+/// Whether a path stands for standard output: "-", or a name that the system gives it.
+bool IsStandardOutput(const std::string& path);
+
+/// The file that a command writes, locked from before the first look at it until the object ends. One that is there
+/// is replaced only by its own kind, unless that is forced. Pipes and terminals are written to as they are.
 class OutputFile {
 public:
-    explicit OutputFile(const std::string& path);
-    OutputFile(const OutputFile&) = delete;
-    OutputFile& operator=(const OutputFile&) = delete;
-    ~OutputFile();
+    /// What a file of the kind is called ("a configuration text"), and whether a content is of it; an empty
+    /// content always is.
+    struct Kind {
+        const char* name;
+        std::function<bool(const std::string&)> fits;
+    };
 
-    /// Where to write to; at most an empty file is there yet.
-    const std::string& TemporaryPath() const { return mTemporary; }
-    /// Syncs and renames. Throws `Failure`.
-    void Commit();
+    /// Throws `Failure`: `EXIT_USAGE` for a file of another kind, `EXIT_SYSTEM` for what cannot be read or locked.
+    OutputFile(const Globals& globals, const std::string& path, const Kind& kind, OutputOptions options);
+
+    /// What is there; nothing for a new file, and for what is no file.
+    const std::optional<VemoKesConfigTools::files::FileContent>& Before() const { return mBefore; }
+    /// Replaces the whole file, or nothing of it, and says on standard error what could not be kept of the old
+    /// one. `expected` is what the file is to be still; without one, what it was when the object was made.
+    /// Throws `Failure`.
+    void Write(std::string_view content, const VemoKesConfigTools::files::FileContent* expected = nullptr) const;
 
 private:
+    const Globals& mGlobals;
     std::string mPath;
-    std::string mTemporary;
+    OutputOptions mOptions;
+    VemoKesConfigTools::files::FileLock mLock;
+    std::optional<VemoKesConfigTools::files::FileContent> mBefore;
+    bool mIsStream = false;  ///< a pipe, terminal or other device
 };
+
+/// Refuses a folder with files named as chunk files that are none: a save would replace some of them, and leave
+/// others that nobody can load. Throws `Failure`.
+void CheckChunkFolder(const std::string& folder);
+
+/// Texts of the chip of a loader, or of the first of the database before one was chosen.
+OutputFile::Kind ConfigTextKind(const Globals& globals, const ConfigLoader& loader);
+OutputFile::Kind DatabaseKind();
+OutputFile::Kind JsonKind();
 
 }  // namespace kes::cli

@@ -20,20 +20,6 @@ bool ErrorsGoToTerminal();
 /// Whether standard output is a terminal.
 bool OutputGoesToTerminal();
 
-/// Brings a written file to the disk, then gives it its final name in one step, and brings that to the disk.
-/// False with `errno` set, and the old name kept.
-bool SyncAndRename(const std::string& from, const std::string& to);
-
-/// Gives a file the owner and the permissions of another that is there, as far as the system allows it.
-void CopyAccess(const std::string& from, const std::string& to);
-
-/// A name beside `path` that no other process uses.
-std::string TemporaryBeside(const std::string& path);
-
-/// Makes an empty file of a new name in the folder for temporary files, which nobody else can open. Empty
-/// with `errno` set when that fails.
-std::string CreateScratchFile();
-
 /// The number of processors that this process may use, at least 1.
 std::size_t ProcessorCount();
 

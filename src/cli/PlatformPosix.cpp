@@ -4,16 +4,13 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <poll.h>
 #include <sched.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -35,47 +32,6 @@ std::string TrustedVariable(const char* name) {
 bool ErrorsGoToTerminal() { return isatty(STDERR_FILENO) == 1; }
 
 bool OutputGoesToTerminal() { return isatty(STDOUT_FILENO) == 1; }
-
-namespace {
-
-bool Sync(const std::string& path) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) return false;
-    const bool synced = fsync(file) == 0;
-    return close(file) == 0 && synced;
-}
-
-}  // namespace
-
-bool SyncAndRename(const std::string& from, const std::string& to) {
-    if (!Sync(from) || std::rename(from.c_str(), to.c_str()) != 0) return false;
-    // Not every file system lets a folder be synced; the file itself is whole in any case.
-    const std::string folder = std::filesystem::path(to).parent_path().string();
-    static_cast<void>(Sync(folder.empty() ? "." : folder));
-    return true;
-}
-
-void CopyAccess(const std::string& from, const std::string& to) {
-    struct stat access {};
-    if (stat(from.c_str(), &access) != 0) return;
-    // Only some users may give files away; a group of theirs they may choose. The permissions come last: they
-    // would lose bits with the owner.
-    if (chown(to.c_str(), access.st_uid, access.st_gid) != 0) {
-        static_cast<void>(chown(to.c_str(), static_cast<uid_t>(-1), access.st_gid) == 0);
-    }
-    static_cast<void>(chmod(to.c_str(), access.st_mode & 07777U) == 0);
-}
-
-std::string CreateScratchFile() {
-    std::error_code failed;
-    std::string path = (std::filesystem::temp_directory_path(failed) / "kes-XXXXXX").string();
-    const int file = mkstemp(path.data());
-    if (file < 0) return {};
-    close(file);
-    return path;
-}
-
-std::string TemporaryBeside(const std::string& path) { return path + ".tmp" + std::to_string(getpid()); }
 
 std::size_t ProcessorCount() {
     cpu_set_t processors;

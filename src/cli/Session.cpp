@@ -1,5 +1,6 @@
 #include "cli/Session.h"
 
+#include "cli/ConfigSource.h"
 #include "cli/ExitCodes.h"
 #include "cli/Listener.h"
 #include "cli/NearNames.h"
@@ -24,6 +25,8 @@ std::string Text(const api::HostString& text) { return text.ToNarrow(); }
 
 Session::Session(const Globals& globals) : mDatabase(globals.database) {
     const Listener listener;
+    CheckUtf8(globals.database);
+    CheckUtf8(globals.plugins);
     api::Framework::Init(globals.plugins);
     mMetadata.emplace(globals.database);
     api::HostString message;

@@ -1,13 +1,8 @@
 #include "cli/SourceLines.h"
 
-#include <fstream>
-#include <iterator>
-
 namespace kes::cli {
 
-void SourceLines::Read() {
-    std::ifstream file(mPath, std::ios::binary);
-    mText.assign(std::istreambuf_iterator<char>(file), {});
+void SourceLines::Split() {
     const std::string_view text = mText;
     std::size_t start = 0;
     for (std::size_t end = text.find_first_of("\r\n"); end != std::string_view::npos;
@@ -22,7 +17,7 @@ void SourceLines::Read() {
 }
 
 std::string_view SourceLines::Line(std::uint32_t number) {
-    if (mLines.empty()) Read();
+    if (mLines.empty()) Split();
     return number == 0 || number > mLines.size() ? std::string_view() : mLines[number - 1];
 }
 

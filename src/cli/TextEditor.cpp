@@ -3,7 +3,6 @@
 #include "cli/DeviceNames.h"
 #include "cli/KeyList.h"
 #include "cli/Listener.h"
-#include "cli/Scratch.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/CParserError.h"
 
 #include <algorithm>
@@ -58,13 +57,12 @@ std::optional<std::string> TextEditor::Edit(EditKind kind, const std::vector<Ass
         return std::nullopt;
     }
     const Listener watching(Progress(1));
-    const VemoKesConfigTools::CTextIndex index(mBefore, mGlobals.database,
+    const VemoKesConfigTools::CTextIndex index(mInput.Text()->Content(), mGlobals.database,
                                                Text(mLoader.Chip()->SystemVersionLabel()));
     return EditText(index, changes);
 }
 
 bool TextEditor::Load() {
-    mBefore = ReadWhole(mInput.Text()->Path());
     const ConfigReport report = mLoader.Read(mInput, Progress(0));
     if (report.exit == EXIT_SYSTEM) {
         mBar.Erase();
@@ -91,11 +89,11 @@ TextChange TextEditor::ToTextChange(EditKind kind, const EditTarget& target, con
     return change;
 }
 
-bool TextEditor::Proves(const std::string& path) {
+bool TextEditor::Proves(const std::string& edited) {
     api::FrameworkFacade again(mGlobals.database);
     again.OwningChip(mLoader.Chip());
     const Listener listener(Progress(2));
-    again.LoadText(path, /*merge=*/false);
+    again.LoadTextFromMemory(edited, /*merge=*/false);
     std::vector<std::string> errors;
     for (const auto& finding : listener.Findings()) errors.push_back(finding.Message());
     if (const std::optional<std::size_t> added = FirstNew(mErrorsBefore, errors)) {

@@ -26,11 +26,11 @@ public:
     /// The text after all changes. Nothing, and the reason printed, when one of them is refused: the exit
     /// code is then in `Result`. Throws `Failure` for what was asked wrongly.
     std::optional<std::string> Edit(EditKind kind, const std::vector<Assignment>& assignments);
-    /// Reads the file that holds the result, and compares. False with the reason printed.
-    bool Proves(const std::string& path);
+    /// Reads the result, and compares. False with the reason printed.
+    bool Proves(const std::string& edited);
     ExitCode Result() const { return mResult; }
-    /// The text as it was read.
-    const std::string& Before() const { return mBefore; }
+    /// What has loaded the text.
+    const ConfigLoader& Loader() const { return mLoader; }
 
 private:
     std::function<void(std::uint64_t)> Progress(std::uint64_t round);
@@ -44,7 +44,6 @@ private:
     PlaceOptions mPlace;
     ConfigLoader mLoader;
     ProgressBar mBar;
-    std::string mBefore;
     std::vector<std::string> mErrorsBefore;
     ExitCode mResult = EXIT_FINE;
 };

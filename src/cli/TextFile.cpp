@@ -4,17 +4,13 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <string_view>
 
 namespace kes::cli {
 
-namespace fs = std::filesystem;
+namespace files = VemoKesConfigTools::files;
 
 namespace {
 
@@ -37,55 +33,51 @@ std::string VersionOf(std::string_view line) {
     return std::string(line.substr(0, line.find_first_of(" \t\r#")));
 }
 
-std::string FindVersion(std::istream& text) {
+std::string FindVersion(std::string_view text) {
     // Far enough down for any heading, and never through a whole file of megabytes.
     constexpr int MOST_LINES = 1000;
     constexpr std::size_t LONGEST_LINE = 1000;
-    std::string line;
-    for (int i = 0; i < MOST_LINES && std::getline(text, line); ++i) {
+    for (int i = 0; i < MOST_LINES && !text.empty(); ++i) {
+        const std::string_view line = text.substr(0, text.find('\n'));
         std::string version = line.size() < LONGEST_LINE ? VersionOf(line) : std::string();
         if (!version.empty()) return version;
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
     }
     return {};
 }
 
+std::string ReadStandardInput() {
+    std::string content{std::istreambuf_iterator<char>(std::cin), {}};
+    if (std::cin.bad()) throw Failure(EXIT_SYSTEM, "cannot be read");
+    return content;
+}
+
 }  // namespace
 
-std::string ReadWhole(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-TextFile::TextFile(const std::string& name) : mName(name), mPath(name) {
+TextFile::TextFile(const std::string& name) : mName(name) {
     if (name == "-") {
         mName = "<stdin>";
-        const std::string content{std::istreambuf_iterator<char>(std::cin), {}};
-        mPath = mScratch.emplace(content).Path();
-    } else if (std::error_code failed; fs::exists(name, failed) && fs::is_other(name, failed)) {
-        // A pipe, of a process substitution for one, gives its bytes once only.
-        mPath = mScratch.emplace(ReadWhole(name)).Path();
+        mFile.bytes = ReadStandardInput();
+    } else {
+        try {
+            mFile = files::ReadFile(name, files::Readable::ANYTHING);
+        } catch (const files::FileError& error) {
+            throw Failure(EXIT_SYSTEM, error.Reason());
+        }
     }
-    Open();
+    mVersion = FindVersion(mFile.bytes);
 }
 
-TextFile::TextFile(const std::string& name, const std::string& content) : mName(name) {
-    mPath = mScratch.emplace(content).Path();
-    Open();
-}
-
-void TextFile::Open() {
-    std::error_code failed;
-    if (fs::is_directory(mPath, failed)) throw Failure(EXIT_SYSTEM, "is a directory");
-    std::ifstream file(mPath, std::ios::binary);
-    if (!file) throw Failure(EXIT_SYSTEM, std::string("cannot be opened: ") + std::strerror(errno));
-    mIsEmpty = file.peek() == std::char_traits<char>::eof();
-    mVersion = FindVersion(file);
-}
+TextFile::TextFile(const std::string& name, const std::string& content)
+    : mName(name), mFile{content, {}}, mVersion(FindVersion(content)), mIsNew(true) {}
 
 std::uint64_t TextFile::SizeOf(const std::string& path) {
-    std::error_code failed;
-    const std::uintmax_t size = fs::file_size(path, failed);
-    return failed ? 0 : size;
+    try {
+        const auto status = files::Look(path);
+        return status && status->kind == files::FileKind::REGULAR ? status->size : 0;
+    } catch (const files::FileError&) {
+        return 0;
+    }
 }
 
 }  // namespace kes::cli

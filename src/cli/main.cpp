@@ -6,6 +6,7 @@
 #include "cli/ManPages.h"
 #include "cli/NearNames.h"
 #include "cli/Printable.h"
+#include "files/SignalCleanup.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -156,6 +157,7 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    VemoKesConfigTools::files::RemoveTemporariesOnSignals();
     try {
         const int code = Run(argc, argv);
         std::cout.flush();

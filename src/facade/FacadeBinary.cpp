@@ -2,12 +2,15 @@
 
 #include "facade/FacadeSupport.h"
 #include "facade/FrameworkFacade.h"
+#include "files/Files.h"
+#include "files/FolderSet.h"
 #include "model/CChipConfig.h"
 #include "model/IConfigReader.h"
 #include "model/IConfigWriter.h"
 #include "model/IMetadataProvider.h"
 
 #include <filesystem>
+#include <system_error>
 #include <vector>
 
 namespace VEMO::Kes::ConfigurationTools {
@@ -16,44 +19,69 @@ using namespace VemoKesConfigTools;
 
 namespace {
 
+constexpr const char* NO_CHUNKS =
+    "Folder does not contain readable *.kcf files. No config data found.";
+
 /// The chunk files of a folder in the order of the file system. Throws for a folder that cannot be listed.
-std::vector<std::string> ChunkFilesOf(const std::string& folder) {
-    std::vector<std::string> paths;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        std::string path = entry.path().string();
-        std::error_code ignored;
-        if (path.ends_with(".kcf") && entry.is_regular_file(ignored)) paths.push_back(std::move(path));
+std::vector<files::SetEntry> ChunkFilesOf(const std::string& folder) {
+    try {
+        return files::ListSet(folder, ".kcf");
+    } catch (const files::FileError& error) {
+        // What hosts know as the exception of the file system.
+        throw std::filesystem::filesystem_error(error.Reason(), folder,
+                                                std::error_code(error.Number(), std::generic_category()));
     }
-    return paths;
 }
 
 }  // namespace
 
-bool FrameworkFacade::LoadBinary(const HostString& folderPath, bool merge) {
-    constexpr const char* FUNCTION = KES_FACADE_FUNCTION("LoadBinary");
-    DefaultHandler(FUNCTION).ClearError(CMessageHandler::GROUP_DEFAULT);
-    if (!mpProvider) return Fail(FUNCTION, ERROR_PLUGIN, NO_PROVIDER);
-    if (!mpBinaryReader) return Fail(FUNCTION, ERROR_PLUGIN, PACKINT.absent);
-    if (!mOwningChip) return Fail(FUNCTION, ERROR_DATA, NO_CHIP);
+/// Whether all is there that a load of chunk files needs, which then begins; stores why not.
+bool FrameworkFacade::BeginBinaryLoad(const char* function, bool merge) {
+    DefaultHandler(function).ClearError(CMessageHandler::GROUP_DEFAULT);
+    if (!mpProvider) return Fail(function, ERROR_PLUGIN, NO_PROVIDER);
+    if (!mpBinaryReader) return Fail(function, ERROR_PLUGIN, PACKINT.absent);
+    if (!mOwningChip) return Fail(function, ERROR_DATA, NO_CHIP);
     EmptyBuffer();
     if (!merge) mpFileChip->PrepareForChip(mOwningChip->ChipId());
+    return true;
+}
+
+/// Reads the file in the buffer.
+bool FrameworkFacade::ReadChunk(const std::string& name) {
+    CKesContext context = LoadContext();
+    // The reader sees a stream, but its messages need a name.
+    context.SetTag(STR_INPUT_FILE, name);
+    return mpBinaryReader->Read(context);
+}
+
+bool FrameworkFacade::LoadBinary(const HostString& folderPath, bool merge) {
+    constexpr const char* FUNCTION = KES_FACADE_FUNCTION("LoadBinary");
+    if (!BeginBinaryLoad(FUNCTION, merge)) return false;
     const std::string folder = Framework::GetString(folderPath);
     if (folder.empty()) return FailWithout(FUNCTION, PACKINT, folder);
 
     bool anyRead = false;
     bool good = false;
-    for (const std::string& path : ChunkFilesOf(folder)) {
-        if (!FillBuffer(path)) continue;
-        CKesContext context = LoadContext();
-        context.SetTag(STR_INPUT_FILE, path);  // the reader sees a stream, but its messages need a name
-        good = mpBinaryReader->Read(context);
+    for (const files::SetEntry& file : ChunkFilesOf(folder)) {
+        if (!FillBuffer(FUNCTION, [&] { return files::ReadSetFile(folder, file); })) continue;
+        good = ReadChunk(files::Join(folder, file.name));
         anyRead = true;
     }
-    if (!anyRead) {
-        return Fail(FUNCTION, ERROR_DATA,
-                    "Folder does not contain readable *.kcf files. No config data found.");
+    return anyRead ? good : Fail(FUNCTION, ERROR_DATA, NO_CHUNKS);
+}
+
+bool FrameworkFacade::LoadBinaryFromMemory(const std::vector<ChunkContent>& files, bool merge) {
+    constexpr const char* FUNCTION = KES_FACADE_FUNCTION("LoadBinaryFromMemory");
+    if (!BeginBinaryLoad(FUNCTION, merge)) return false;
+    bool anyRead = false;
+    bool good = false;
+    for (const ChunkContent& file : files) {
+        if (file.bytes.empty()) continue;
+        mpBuffer->str(file.bytes);
+        good = ReadChunk(file.name);
+        anyRead = true;
     }
-    return good;
+    return anyRead ? good : Fail(FUNCTION, ERROR_DATA, NO_CHUNKS);
 }
 
 bool FrameworkFacade::SaveBinary(const HostString& folderPath) {

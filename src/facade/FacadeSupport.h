@@ -18,6 +18,7 @@ namespace VEMO::Kes::ConfigurationTools {
 
 inline constexpr const char* NO_PROVIDER = "sqlite metadata plugin not found.";
 inline constexpr const char* NO_CHIP = "no chip is set";
+inline constexpr const char* NO_TEXT = "The text file is zero length. No config data found.";
 
 /// A plug-in of readers and writers, and what is said when one cannot be had.
 struct PluginWords {

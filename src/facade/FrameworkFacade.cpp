@@ -1,6 +1,7 @@
 #include "facade/FrameworkFacade.h"
 
 #include "facade/FacadeSupport.h"
+#include "files/Files.h"
 #include "model/CChipConfig.h"
 #include "model/CMetadataProviderFactory.h"
 #include "model/CRawKeysWriter.h"
@@ -11,8 +12,6 @@
 #include "model/IConfigWriter.h"
 #include "model/IMetadataProvider.h"
 
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <sstream>
 #include <utility>
@@ -81,9 +80,23 @@ bool FrameworkFacade::LoadText(const HostString& filePath, bool merge) {
     if (!CanRead(FUNCTION)) return false;
     EmptyBuffer();
     if (!merge) mpFileChip->PrepareForChip(mOwningChip->ChipId());
-    if (!FillBuffer(Framework::GetString(filePath))) {
-        return Fail(FUNCTION, ERROR_DATA, "The text file is zero length. No config data found.");
+    if (!FillBuffer(FUNCTION, [&] {
+            return files::ReadFile(Framework::GetString(filePath), files::Readable::REGULAR_FILES).bytes;
+        })) {
+        return Fail(FUNCTION, ERROR_DATA, NO_TEXT);
     }
+    CKesContext context = LoadContext();
+    return mpTextReader->Read(context);
+}
+
+bool FrameworkFacade::LoadTextFromMemory(std::string text, bool merge) {
+    constexpr const char* FUNCTION = KES_FACADE_FUNCTION("LoadTextFromMemory");
+    DefaultHandler(FUNCTION).ClearError(CMessageHandler::GROUP_DEFAULT);
+    if (!CanRead(FUNCTION)) return false;
+    EmptyBuffer();
+    if (!merge) mpFileChip->PrepareForChip(mOwningChip->ChipId());
+    if (text.empty()) return Fail(FUNCTION, ERROR_DATA, NO_TEXT);
+    mpBuffer->str(std::move(text));
     CKesContext context = LoadContext();
     return mpTextReader->Read(context);
 }
@@ -93,11 +106,24 @@ bool FrameworkFacade::SaveText(const HostString& filePath) { return SaveText(fil
 bool FrameworkFacade::SaveText(const HostString& filePath, const TextForm& form) {
     constexpr const char* FUNCTION = KES_FACADE_FUNCTION("SaveText");
     const std::unique_ptr<IConfigWriter> writer = BeginSave(FUNCTION, KESTEXT, filePath, nullptr);
-    if (!writer) return false;
+    return writer && WriteText(*writer, form);
+}
+
+bool FrameworkFacade::SaveTextToMemory(std::string& text, const TextForm& form) {
+    constexpr const char* FUNCTION = KES_FACADE_FUNCTION("SaveTextToMemory");
+    std::stringstream out;
+    std::iostream* const stream = &out;
+    const std::unique_ptr<IConfigWriter> writer = BeginSave(FUNCTION, KESTEXT, "", stream);
+    if (!writer || !WriteText(*writer, form)) return false;
+    text = std::move(out).str();
+    return true;
+}
+
+bool FrameworkFacade::WriteText(IConfigWriter& writer, const TextForm& form) {
     CKesContext context = FileContext(*mOwningChip);
     if (form.simple) context.SetTag(STR_TXT_SIMPLE_MODE, STR_TRUE);
-    CRawKeysWriter front(*writer, *mpProvider);
-    return mpFileChip->Write(form.readsBack ? front : *writer, context);
+    CRawKeysWriter front(writer, *mpProvider);
+    return mpFileChip->Write(form.readsBack ? front : writer, context);
 }
 
 HostString FrameworkFacade::FirstDifference(const FrameworkFacade& other) const {
@@ -179,21 +205,18 @@ void FrameworkFacade::EmptyBuffer() {
     mpBuffer->clear();
 }
 
-/// Makes a whole file the content of the buffer. False when the file is empty or cannot be read.
-bool FrameworkFacade::FillBuffer(const std::string& path) {
-    std::error_code ignored;
-    // A folder can be opened as a file on some systems, with a size that means nothing.
-    if (std::filesystem::is_directory(path, ignored)) return false;
-    std::ifstream file(path, std::ios::binary);
-    file.seekg(0, std::ios::end);
-    const auto size = static_cast<std::streamoff>(file.tellg());
-    if (size <= 0) return false;
-    std::string content(static_cast<std::size_t>(size), '\0');
-    file.seekg(0);
-    file.read(content.data(), size);
-    content.resize(static_cast<std::size_t>(file.gcount()));
-    mpBuffer->str(std::move(content));
-    return true;
+/// Makes a file, which `read` gives or throws `FileError` for, the content of the buffer. False when it is empty or
+/// cannot be read, with a status report of the cause.
+bool FrameworkFacade::FillBuffer(const char* function, const std::function<std::string()>& read) {
+    try {
+        std::string content = read();
+        if (content.empty()) return false;
+        mpBuffer->str(std::move(content));
+        return true;
+    } catch (const files::FileError& error) {
+        DefaultHandler(function).NotifyStatus(CMessageHandler::STATUS_LEVEL_WARNING, error.what());
+        return false;
+    }
 }
 
 }  // namespace VEMO::Kes::ConfigurationTools

@@ -11,9 +11,11 @@
 #include "metadata/Store.h"
 #include "metadata/Subsystem.h"
 
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace VemoKesConfigTools {
 class CChipConfig;
@@ -37,6 +39,12 @@ struct TextForm {
     /// metadata does not know and values that were given raw come out raw, texts quoted, MAC addresses as
     /// such.
     bool readsBack = false;
+};
+
+/// A chunk file at hand.
+struct ChunkContent {
+    std::string name;  ///< how messages name it
+    std::string bytes;
 };
 
 /// One chip's configuration, as a host works on it. Build it after `Framework::Init`, set `OwningChip`, then
@@ -63,7 +71,8 @@ public:
     bool LoadBlank();
     /// Whether the configuration mixes subsystem types.
     bool IsMixedSubsystemTypes() const;
-    /// Reads a text file. Without `merge` the configuration is emptied first, even if the file cannot be
+    /// Reads a text file. One that cannot be read whole counts as empty, and a status report tells the cause.
+    /// Without `merge` the configuration is emptied first, even if the file cannot be
     /// read; with it, keys of the file replace those that are there. A bad line costs that line only: all
     /// good ones are in the configuration although the result is false.
     bool LoadText(const HostString& filePath, bool merge);
@@ -73,12 +82,19 @@ public:
     bool SaveText(const HostString& filePath);
     /// The same in a form of the host's choice.
     bool SaveText(const HostString& filePath, const TextForm& form);
+    /// `LoadText` of a text at hand; an empty one is refused in the words for an empty file.
+    bool LoadTextFromMemory(std::string text, bool merge);
+    /// `SaveText` into `text`, which stays as it is after a failure. `ReplaceFile` puts it in place of a file
+    /// without ever losing one of the two.
+    bool SaveTextToMemory(std::string& text, const TextForm& form);
     /// Reads all files `*.kcf` of a folder, without its sub-folders, in the order that the file system gives;
     /// keys of a later file replace those of an earlier one. Empty and unreadable files are passed over. The
     /// result is that of the last file read: one that failed before it has left its message, see
     /// `Framework::Error`. False when no file was read. Without `merge` the configuration is emptied first.
     /// Throws `std::filesystem::filesystem_error` for a folder that cannot be listed.
     bool LoadBinary(const HostString& folderPath, bool merge);
+    /// `LoadBinary` of the files of a folder at hand, in their order.
+    bool LoadBinaryFromMemory(const std::vector<ChunkContent>& files, bool merge);
     /// Writes the configuration as chunk files into a folder. What is there under their names is replaced.
     bool SaveBinary(const HostString& folderPath);
     /// Where this configuration differs first from another one in places, keys or values, in words; null when
@@ -219,7 +235,10 @@ private:
                                       VemoKesConfigTools::CElement& element);
     HostListRef<std::shared_ptr<KeyValue>> ValuesOf(const VemoKesConfigTools::CChipConfig& chip);
     void EmptyBuffer();
-    bool FillBuffer(const std::string& path);
+    bool FillBuffer(const char* function, const std::function<std::string()>& read);
+    bool BeginBinaryLoad(const char* function, bool merge);
+    bool ReadChunk(const std::string& name);
+    bool WriteText(VemoKesConfigTools::IConfigWriter& writer, const TextForm& form);
 
     std::unique_ptr<VemoKesConfigTools::CChipConfig> mpFileChip;     ///< the configuration under work
     std::unique_ptr<VemoKesConfigTools::CChipConfig> mpDefaultChip;  ///< the default values

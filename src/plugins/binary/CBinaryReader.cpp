@@ -25,17 +25,15 @@ bool CBinaryReader::Read(IConfigContext& context) {
     bool result = false;
     std::string subject;
     const std::uint64_t errorsBefore = CTheMsgHnd::ErrorsEver();
-    try {
+    const bool isWhole = Reporting(FUNCTION, subject, [&] {
         std::vector<DecodedPlace> places;
         for (const EncodedPlace& place : Collect(*kesContext, subject))
             places.push_back(DecodePlace(place, *mpProvider, *kesContext));
         // What a provider cannot look up looks like a key that it does not know.
         result = CTheMsgHnd::ErrorsEver() == errorsBefore;
         if (result) Deliver(places, *kesContext);
-    } catch (const Refusal& refusal) {
-        ClearStoreList(mStores);
-        Report(FUNCTION, refusal, subject);
-    }
+    });
+    if (!isWhole) ClearStoreList(mStores);
     mpObserver->OnReadEnded(*this, context);
     return result;
 }

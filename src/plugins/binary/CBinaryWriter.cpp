@@ -36,11 +36,7 @@ void CBinaryWriter::End(IConfigContext& context) {
     CKesContext* kesContext = PlaceOf(context);
     if (mFailed || kesContext == nullptr) return;
     std::string subject;
-    try {
-        Save(std::exchange(mPlaces, {}), *kesContext, subject);
-    } catch (const Refusal& refusal) {
-        Report(FUNCTION, refusal, subject);
-    }
+    Reporting(FUNCTION, subject, [&] { Save(std::exchange(mPlaces, {}), *kesContext, subject); });
 }
 
 void CBinaryWriter::BeginSubsystem(IConfigContext& context) {

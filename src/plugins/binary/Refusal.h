@@ -1,5 +1,7 @@
 #pragma once
 
+#include "files/FileError.h"
+
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -18,7 +20,25 @@ private:
     std::string_view mText;
 };
 
+/// The refusal that a failed file stands for. The cause names the file unless it is the subject itself.
+Refusal ToRefusal(const files::FileError& error, const std::string& subject);
+
 /// Stores the error `TEXT: SUBJECT: CAUSE`; the subject, a file for one, may be empty.
 void Report(const char* function, const Refusal& refusal, const std::string& subject);
+
+/// Does what may throw a `Refusal` or `FileError`, and reports it. `subject` may change meanwhile. Gives whether
+/// nothing was thrown.
+template <typename Body>
+bool Reporting(const char* function, const std::string& subject, const Body& body) {
+    try {
+        body();
+        return true;
+    } catch (const Refusal& refusal) {
+        Report(function, refusal, subject);
+    } catch (const files::FileError& error) {
+        Report(function, ToRefusal(error, subject), subject);
+    }
+    return false;
+}
 
 }  // namespace VemoKesConfigTools

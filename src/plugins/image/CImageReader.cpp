@@ -25,7 +25,7 @@ CImageReader::PlaceFilter CImageReader::FilterOf(const CKesContext& /*context*/)
 std::vector<EncodedPlace> CImageReader::Collect(CKesContext& context, std::string& subject) {
     subject = mConnection;
     const PlaceFilter takes = FilterOf(context);
-    const DeviceImage image(PathOfConnection(mConnection), ImageFile::Access::Reading, mFamily);
+    const DeviceImage image(PathOfConnection(mConnection), files::LockMode::SHARED, mFamily);
     ExpectChip(image.Header(), Provider(), context);
     ExpectSystem(image.Directory(), context);
 

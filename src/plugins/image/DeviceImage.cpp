@@ -12,7 +12,7 @@ namespace VemoKesConfigTools {
 
 namespace {
 
-std::string HeadOf(const ImageFile& file) {
+std::string HeadOf(const files::InPlaceFile& file) {
     return file.Read(0, std::min<std::uint64_t>(file.Size(), HEAD_SIZE));
 }
 
@@ -38,7 +38,7 @@ std::vector<EncodedPlace> DecodeContent(std::string_view content) {
     return places;
 }
 
-DeviceImage::DeviceImage(const std::string& path, ImageFile::Access access)
+DeviceImage::DeviceImage(const std::string& path, files::LockMode access)
     : mPath(path), mFile(path, access), mHeader(DecodeHeader(HeadOf(mFile), mFile.Size())) {
     mDirectoryBank = BankOfSelector(mFile.Read(SELECTOR_OFFSET, 1)[0]);
     const std::uint64_t offset =
@@ -46,7 +46,7 @@ DeviceImage::DeviceImage(const std::string& path, ImageFile::Access access)
     mDirectory = DecodeDirectory(mFile.Read(offset, mHeader.directoryBankSize), mHeader);
 }
 
-DeviceImage::DeviceImage(const std::string& path, ImageFile::Access access, ImageFamily family)
+DeviceImage::DeviceImage(const std::string& path, files::LockMode access, ImageFamily family)
     : DeviceImage(path, access) {
     if (mHeader.family != family) {
         throw Refusal(STR_OPERATION_INVALID, "is an image of the family " +

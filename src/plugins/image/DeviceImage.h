@@ -1,7 +1,7 @@
 #pragma once
 
+#include "files/InPlaceFile.h"
 #include "plugins/binary/Places.h"
-#include "plugins/image/ImageFile.h"
 #include "plugins/image/ImageFormat.h"
 
 #include <cstdint>
@@ -18,13 +18,14 @@ std::string EncodeContent(const std::vector<EncodedPlace>& places);
 std::vector<EncodedPlace> DecodeContent(std::string_view content);
 
 /// An open device image. It hands out what counts and nothing else, and changes as a whole or not at all.
-/// Stores are named by their position in the directory. Every failure throws `Refusal`.
+/// Stores are named by their position in the directory. Every failure throws `Refusal`, or
+/// `FileError` where the file failed.
 class DeviceImage {
 public:
     /// Opens an image of this family and checks all of it but the contents of stores.
-    DeviceImage(const std::string& path, ImageFile::Access access, ImageFamily family);
+    DeviceImage(const std::string& path, files::LockMode access, ImageFamily family);
     /// The same for an image of any family.
-    DeviceImage(const std::string& path, ImageFile::Access access);
+    DeviceImage(const std::string& path, files::LockMode access);
 
     const ImageHeader& Header() const { return mHeader; }
     const ImageDirectory& Directory() const { return mDirectory; }
@@ -61,7 +62,7 @@ private:
     void Program(std::uint32_t offset, std::string_view bytes);
 
     std::string mPath;
-    ImageFile mFile;
+    files::InPlaceFile mFile;
     ImageHeader mHeader;
     std::uint32_t mDirectoryBank = 0;
     ImageDirectory mDirectory;

@@ -1,5 +1,6 @@
 #include "plugins/image/ImageCreation.h"
 
+#include "files/FileLock.h"
 #include "model/Words.h"
 #include "plugins/binary/Refusal.h"
 #include "plugins/image/Connection.h"
@@ -23,7 +24,12 @@ std::string_view NameOf(ImageFamily family) {
 void CreateImage(const std::string& connection, const ImageGeometry& geometry, bool force) {
     const std::string path = PathOfConnection(connection);
     const std::string bytes = RenderImage(LayOut(geometry), {});
+    const files::FileLock lock(path, files::LockMode::EXCLUSIVE);
     const ImageSite site = LookAtSite(path);
+    if (site.isBlockDevice && site.size != geometry.size) {
+        throw Refusal(STR_OPERATION_INVALID, "is a block device of " + std::to_string(site.size) +
+                                                 " bytes, not of " + std::to_string(geometry.size));
+    }
     if (!force && site.state == SiteState::Image)
         throw Refusal(STR_OPERATION_INVALID, "there is a device image already");
     if (!force && site.state == SiteState::Other)

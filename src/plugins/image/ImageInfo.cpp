@@ -80,7 +80,7 @@ StoreDetails DetailsOf(const DeviceImage& image, std::size_t position) {
 }  // namespace
 
 ImageInfo ReadImageInfo(const std::string& connection) {
-    const DeviceImage image(PathOfConnection(connection), ImageFile::Access::Reading);
+    const DeviceImage image(PathOfConnection(connection), files::LockMode::SHARED);
     const ImageHeader& header = image.Header();
     const ImageDirectory& directory = image.Directory();
     ImageInfo info{header.family,
@@ -101,10 +101,12 @@ ImageInfo ReadImageInfo(const std::string& connection) {
 
 std::optional<std::string> SystemOfImage(const std::string& connection) {
     try {
-        const DeviceImage image(PathOfConnection(connection), ImageFile::Access::Reading);
+        const DeviceImage image(PathOfConnection(connection), files::LockMode::SHARED);
         if (image.Directory().systemLabel.empty()) return std::nullopt;
         return image.Directory().systemLabel;
     } catch (const Refusal&) {
+        return std::nullopt;
+    } catch (const files::FileError&) {
         return std::nullopt;
     }
 }

@@ -1,21 +1,19 @@
 #include "plugins/image/ImageSite.h"
 
-#include "model/Words.h"
-#include "plugins/binary/Refusal.h"
-#include "plugins/binary/SafeFile.h"
-#include "plugins/image/ImageFile.h"
+#include "files/Files.h"
+#include "files/InPlaceFile.h"
+#include "files/ReplaceFile.h"
 #include "plugins/image/ImageFormat.h"
 
 #include <algorithm>
-#include <filesystem>
+#include <cerrno>
 #include <string_view>
-#include <system_error>
 
 namespace VemoKesConfigTools {
 
 namespace {
 
-bool IsBlank(const ImageFile& file) {
+bool IsBlank(const files::InPlaceFile& file) {
     constexpr std::uint64_t STEP = 1U << 16U;
     const char blank = file.Size() == 0 ? '\1' : file.Read(0, 1)[0];
     if (blank != ERASED && blank != '\0') return false;
@@ -26,45 +24,39 @@ bool IsBlank(const ImageFile& file) {
     return true;
 }
 
-void AddFile(const std::string& path, const std::string& bytes) {
-    try {
-        FileReplacement replacement;
-        replacement.Add(path, bytes);
-        replacement.Commit();
-    } catch (const Refusal& refusal) {
-        // Who reports it names the path already.
-        const std::string cause = refusal.what();
-        const std::string start = path + ": ";
-        throw Refusal(refusal.Text(), cause.starts_with(start) ? cause.substr(start.size()) : cause);
+void WriteInPlace(const std::string& path, const ImageSite& site, std::string_view bytes) {
+    files::InPlaceFile file(path, files::LockMode::EXCLUSIVE);
+    if (site.state != SiteState::Blank) {
+        file.Write(0, std::string(HEAD_SIZE, ERASED));
+        file.Sync();
     }
+    file.Write(HEAD_SIZE, bytes.substr(HEAD_SIZE));
+    file.Sync();
+    file.Write(0, bytes.substr(0, HEAD_SIZE));
+    file.Sync();
 }
 
 }  // namespace
 
 ImageSite LookAtSite(const std::string& path) {
-    std::error_code failed;
-    if (!std::filesystem::exists(path, failed) && !failed) return {SiteState::Missing, 0};
-    const ImageFile file(path, ImageFile::Access::Reading);
+    const std::optional<files::FileStatus> status = files::Look(path);
+    if (!status) return {};
+    const files::InPlaceFile file(path, files::LockMode::SHARED);
+    const bool isBlockDevice = status->kind == files::FileKind::BLOCK_DEVICE;
     const std::string start = file.Read(0, std::min<std::uint64_t>(file.Size(), IMAGE_MAGIC.size()));
-    if (start == IMAGE_MAGIC) return {SiteState::Image, file.Size()};
-    return {IsBlank(file) ? SiteState::Blank : SiteState::Other, file.Size()};
+    if (start == IMAGE_MAGIC) return {SiteState::Image, file.Size(), isBlockDevice};
+    return {IsBlank(file) ? SiteState::Blank : SiteState::Other, file.Size(), isBlockDevice};
 }
 
 void PutImage(const std::string& path, const ImageSite& site, const std::string& bytes) {
-    if (site.state == SiteState::Missing || site.size != bytes.size()) {
-        AddFile(path, bytes);
-        return;
+    if (site.isBlockDevice) return WriteInPlace(path, site, bytes);
+    try {
+        files::ReplaceFile(path, bytes);
+    } catch (const files::FileError& error) {
+        const bool isFixed = error.Number() == EACCES || error.Number() == EPERM;
+        if (!isFixed || site.state == SiteState::Missing || site.size != bytes.size()) throw;
+        WriteInPlace(path, site, bytes);
     }
-    const std::string_view whole = bytes;
-    const ImageFile file(path, ImageFile::Access::Writing);
-    if (site.state != SiteState::Blank) {
-        file.Write(0, std::string(HEAD_SIZE, ERASED));
-        file.Sync();
-    }
-    file.Write(HEAD_SIZE, whole.substr(HEAD_SIZE));
-    file.Sync();
-    file.Write(0, whole.substr(0, HEAD_SIZE));
-    file.Sync();
 }
 
 }  // namespace VemoKesConfigTools

@@ -1,5 +1,6 @@
 #include "plugins/keseeprom/CEepromWriter.h"
 
+#include "files/FileLock.h"
 #include "model/CKesContext.h"
 #include "model/Words.h"
 #include "plugins/binary/Refusal.h"
@@ -61,13 +62,14 @@ void CEepromWriter::Save(std::vector<EncodedPlace> places, CKesContext& context,
     const std::int32_t maskNumber = NumberOf(context, STR_EEPROM_I2C_MASK);
     const std::uint32_t mask = maskNumber > 0 ? static_cast<std::uint32_t>(maskNumber) : 0;
 
+    const files::FileLock lock(path, files::LockMode::EXCLUSIVE);
     const ImageSite site = LookAtSite(path);
     if (site.state == SiteState::Other)
         throw Refusal(STR_OPERATION_INVALID, "is neither blank nor a device image");
     const bool isMade =
         site.state == SiteState::Blank || (site.state == SiteState::Missing && wantedSize != 0);
     if (!isMade) {
-        DeviceImage image(path, ImageFile::Access::Writing, ImageFamily::Eeprom);
+        DeviceImage image(path, files::LockMode::EXCLUSIVE, ImageFamily::Eeprom);
         ExpectSize(image.Header().size, wantedSize);
         ExpectMask(image.Header().i2cMask, mask);
         ExpectChip(image.Header(), Provider(), context);

@@ -10,7 +10,7 @@ namespace VemoKesConfigTools {
 
 void CIspWriter::Save(std::vector<EncodedPlace> places, CKesContext& context, std::string& subject) {
     subject = mConnection;
-    DeviceImage image(PathOfConnection(mConnection), ImageFile::Access::Writing, ImageFamily::Isp);
+    DeviceImage image(PathOfConnection(mConnection), files::LockMode::EXCLUSIVE, ImageFamily::Isp);
     ExpectChip(image.Header(), Provider(), context);
     ExpectSystem(image.Directory(), context);
     const bool reset = context.TagMatches(STR_RESET_DEVICE_AFTER, STR_TRUE);

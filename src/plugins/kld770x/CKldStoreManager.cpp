@@ -10,12 +10,10 @@
 namespace VemoKesConfigTools {
 
 void CKldStoreManager::CreateStore(CStoreInfo& store, IConfigContext& /*context*/) {
-    try {
-        DeviceImage image(PathOfConnection(mConnection), ImageFile::Access::Writing, ImageFamily::Kld);
+    Reporting("CKldStoreManager::CreateStore", mConnection, [&] {
+        DeviceImage image(PathOfConnection(mConnection), files::LockMode::EXCLUSIVE, ImageFamily::Kld);
         MakeStore(image, store);
-    } catch (const Refusal& refusal) {
-        Report("CKldStoreManager::CreateStore", refusal, mConnection);
-    }
+    });
 }
 
 void CKldStoreManager::RefreshStoreInfo(CStoreInfo& store, IConfigContext& context) {
@@ -28,13 +26,11 @@ void CKldStoreManager::RefreshStoreInfo(CStoreInfo& store, IConfigContext& conte
 
 const std::list<CStoreInfo*>& CKldStoreManager::GetStoresInfo(IConfigContext& /*context*/) {
     ClearStoreList(mStores);
-    try {
-        const DeviceImage image(PathOfConnection(mConnection), ImageFile::Access::Reading, ImageFamily::Kld);
+    Reporting("CKldStoreManager::GetStoresInfo", mConnection, [&] {
+        const DeviceImage image(PathOfConnection(mConnection), files::LockMode::SHARED, ImageFamily::Kld);
         for (const CStoreInfo& store : StoreInfosOf(image, PlacesByStore(image)))
             mStores.push_back(new CStoreInfo(store));
-    } catch (const Refusal& refusal) {
-        Report("CKldStoreManager::GetStoresInfo", refusal, mConnection);
-    }
+    });
     return mStores;
 }
 

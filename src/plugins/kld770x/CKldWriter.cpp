@@ -9,7 +9,7 @@ namespace VemoKesConfigTools {
 
 void CKldWriter::Save(std::vector<EncodedPlace> places, CKesContext& context, std::string& subject) {
     subject = mConnection;
-    DeviceImage image(PathOfConnection(mConnection), ImageFile::Access::Writing, ImageFamily::Kld);
+    DeviceImage image(PathOfConnection(mConnection), files::LockMode::EXCLUSIVE, ImageFamily::Kld);
     ExpectChip(image.Header(), Provider(), context);
     if (mIsMerging) ExpectSystem(image.Directory(), context);
     SavePlaces(image, places,

@@ -1,10 +1,10 @@
 #include "plugins/packint/CPackintReader.h"
 
+#include "files/Files.h"
 #include "model/CKesContext.h"
 #include "model/Words.h"
 #include "plugins/binary/ChunkFile.h"
 #include "plugins/binary/Refusal.h"
-#include "plugins/binary/SafeFile.h"
 
 namespace VemoKesConfigTools {
 
@@ -19,7 +19,7 @@ bool IsStore(std::int32_t device) {
 }  // namespace
 
 std::string CPackintReader::Content() const {
-    if (mpStream == nullptr) return ReadFile(mFileName);
+    if (mpStream == nullptr) return files::ReadFile(mFileName, files::Readable::REGULAR_FILES).bytes;
     mpStream->clear();
     mpStream->seekg(0, std::ios::end);
     const std::streamoff size = mpStream->tellg();

@@ -1,5 +1,6 @@
 #include "kes/configtools/readerwriters/kestext/common/kesparser/CKesConfigReader.h"
 
+#include "files/Files.h"
 #include "kes/configtools/readerwriters/kestext/common/kesparser/CKesParser.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/CUnicodeFile.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/KesTextTrace.h"
@@ -7,9 +8,8 @@
 #include "model/CKesContext.h"
 #include "model/IConfigReaderObserver.h"
 
-#include <filesystem>
-#include <fstream>
 #include <memory>
+#include <sstream>
 #include <typeinfo>
 #include <utility>
 
@@ -43,15 +43,15 @@ bool CKesConfigReader::Read(IConfigContext& context) {
     auto& kesContext = static_cast<CKesContext&>(context);
     if (mpInputStream != nullptr) return result = ReadStream(*mpInputStream, kesContext);
 
-    std::error_code ignored;
-    std::ifstream file;
-    // A folder can be opened on some systems, and would read as an empty text.
-    if (!std::filesystem::is_directory(mFileName, ignored)) file.open(mFileName, std::ios::binary);
-    if (!file.is_open()) {
+    std::istringstream text;
+    try {
+        text.str(files::ReadFile(mFileName, files::Readable::REGULAR_FILES).bytes);
+    } catch (const files::FileError& error) {
+        Handler().NotifyStatus(CMessageHandler::STATUS_LEVEL_WARNING, error.what());
         Handler().SetErrorMsg(0, "Cannot open " + mFileName);
         return result;
     }
-    return result = ReadStream(file, kesContext);
+    return result = ReadStream(text, kesContext);
 }
 
 bool CKesConfigReader::ReadStream(std::istream& stream, CKesContext& context) {

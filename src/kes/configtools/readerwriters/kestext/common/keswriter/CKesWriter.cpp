@@ -1,5 +1,6 @@
 #include "kes/configtools/readerwriters/kestext/common/keswriter/CKesWriter.h"
 
+#include "files/OutputStream.h"
 #include "kes/configtools/readerwriters/kestext/common/keswriter/CKesFormat.h"
 #include "messages/CDebugSentry.h"
 #include "model/CKesContext.h"
@@ -12,7 +13,6 @@
 #include "model/Words.h"
 
 #include <cstring>
-#include <fstream>
 #include <iostream>
 #include <typeinfo>
 #include <utility>
@@ -29,7 +29,6 @@ namespace {
 
 constexpr std::string_view BANNER = "##############################";
 constexpr std::string_view UNKNOWN_SUBSYSTEM = "<unknown>";
-constexpr std::size_t FILE_BUFFER_SIZE = std::size_t{64} * 1024;
 constexpr std::int16_t ERROR_DATA = 0;
 
 CMessageHandler& Handler(const char* function) {
@@ -157,12 +156,6 @@ void AppendOctets(std::string& text, const std::string& bytes) {
 
 }  // namespace
 
-/// A file with a buffer that holds many elements.
-struct CKesWriter::OutputFile {
-    std::vector<char> buffer = std::vector<char>(FILE_BUFFER_SIZE);
-    std::ofstream stream;
-};
-
 CKesWriter::CKesWriter() : CKesWriter(&std::cout, nullptr) {}
 
 CKesWriter::CKesWriter(std::ostream* stream, IMetadataProvider* provider)
@@ -189,12 +182,9 @@ void CKesWriter::Begin(IConfigContext& context) {
 }
 
 void CKesWriter::OpenFile() {
-    mpFile = std::make_unique<OutputFile>();
-    std::ofstream& stream = mpFile->stream;
-    stream.rdbuf()->pubsetbuf(mpFile->buffer.data(), static_cast<std::streamsize>(mpFile->buffer.size()));
-    stream.open(mFileName, std::ios::out);
-    if (!stream.is_open()) mpFile.reset();
-    mpStream = mpFile ? &mpFile->stream : nullptr;
+    mpFile = std::make_unique<files::OutputStream>(mFileName);
+    if (!*mpFile) mpFile.reset();
+    mpStream = mpFile.get();
 }
 
 void CKesWriter::WriteOut(std::string_view text) {
@@ -208,8 +198,7 @@ void CKesWriter::End(IConfigContext& /*context*/) {
     constexpr const char* FUNCTION = "CKesWriter::End";
     KESWRITER_SENTRY(FUNCTION);
     if (!mpFile) return;
-    mpFile->stream.close();
-    const bool written = mpFile->stream.good();
+    const bool written = mpFile->Close();
     mpStream = nullptr;
     mpFile.reset();
     if (!written) Fail(FUNCTION, STR_FILE_WRITE_ERR, mFileName);

@@ -10,6 +10,10 @@
 
 namespace VemoKesConfigTools {
 
+namespace files {
+class OutputStream;
+}
+
 class IMetadata;
 
 /// The writer of the text format, on a file or a stream. It knows no keys of its own: names, labels and
@@ -49,7 +53,6 @@ public:
     virtual void GetSubsystemName(IConfigContext& context, const std::string& canonical, std::string& result);
 
 private:
-    struct OutputFile;
 
     void OpenFile();
     void WriteOut(std::string_view text);
@@ -77,7 +80,7 @@ private:
     bool mRaw = false;                   ///< the element is written in raw form
     bool mSimple = false;                ///< the element is written without comments and continuation lines
     std::uint16_t mDepth = 0;            ///< nesting depth, two blanks of indentation each
-    std::unique_ptr<OutputFile> mpFile;  ///< what `mpStream` is while `Begin` has opened a file
+    std::unique_ptr<files::OutputStream> mpFile;  ///< what `mpStream` is while `Begin` has opened a file
 };
 
 }  // namespace VemoKesConfigTools

@@ -1,0 +1,132 @@
+#include "files/FileLock.h"
+
+#include "files/Files.h"
+#include "files/OpenFile.h"
+
+#include <cerrno>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace VemoKesConfigTools::files {
+
+/// A lock that the process holds; closing the file ends it.
+struct FileLock::Entry {
+    OpenFile file;
+    LockMode mode;
+    std::shared_ptr<Entry> successor;  ///< the file that has taken the name meanwhile
+};
+
+/// All locks of the process by the identity of their files. A descriptor of its own would lock out the process
+/// itself.
+struct FileLock::Table {
+    using Identity = std::pair<std::uint64_t, std::uint64_t>;
+
+    std::mutex mutex;
+    std::map<Identity, std::weak_ptr<Entry>> entries;
+
+    static Table& Ref() {
+        // Never destroyed: locks of static objects may end after it otherwise.
+        static Table& table = *new Table;
+        return table;
+    }
+
+    static Identity IdentityOf(const FileStatus& status) { return {status.device, status.inode}; }
+
+    std::shared_ptr<Entry> Find(const FileStatus& status) {
+        const auto found = entries.find(IdentityOf(status));
+        return found == entries.end() ? nullptr : found->second.lock();
+    }
+
+    std::shared_ptr<Entry> Add(OpenFile file, LockMode mode) {
+        std::erase_if(entries, [](const auto& entry) { return entry.second.expired(); });
+        const FileStatus status = file.Status();
+        const auto entry = std::make_shared<Entry>(Entry{std::move(file), mode, nullptr});
+        entries[IdentityOf(status)] = entry;
+        return entry;
+    }
+};
+
+namespace {
+
+enum class Outcome { TAKEN, BUSY, NO_LOCKS };
+
+Outcome Try(const OpenFile& file, LockMode mode) {
+    const int failed = Uninterrupted([&] { return Disk().TryLock(file.Handle(), mode); });
+    if (failed == 0) return Outcome::TAKEN;
+    return failed == -EWOULDBLOCK ? Outcome::BUSY : Outcome::NO_LOCKS;
+}
+
+bool CanBeLocked(FileKind kind) {
+    return kind == FileKind::REGULAR || kind == FileKind::FOLDER || kind == FileKind::BLOCK_DEVICE;
+}
+
+/// The file that stands for the path: its own, or its folder's when it is not there.
+std::string LockedPath(const std::string& path) { return Look(path) ? path : FolderOf(path); }
+
+std::string TextOf(std::chrono::milliseconds wait) {
+    constexpr int THOUSAND = 1000;
+    const auto count = wait.count();
+    return count % THOUSAND == 0 ? std::to_string(count / THOUSAND) + " s" : std::to_string(count) + " ms";
+}
+
+}  // namespace
+
+FileLock::FileLock(const std::string& path, LockMode mode, std::chrono::milliseconds wait) {
+    constexpr std::uint32_t STEP = 10;
+    constexpr std::chrono::milliseconds STEP_TIME(STEP);
+    for (std::chrono::milliseconds waited(0);; waited += STEP_TIME) {
+        const std::string locked = LockedPath(path);
+        const std::optional<FileStatus> status = Look(locked);
+        if (status && !CanBeLocked(status->kind)) return;
+        std::string holder;
+        {
+            Table& table = Table::Ref();
+            const std::lock_guard guard(table.mutex);
+            std::shared_ptr<Entry> held = status ? table.Find(*status) : nullptr;
+            const bool joins = held && (held->mode == LockMode::EXCLUSIVE || mode == LockMode::SHARED);
+            if (joins) {
+                mEntry = std::move(held);
+                return;
+            }
+            if (held) {
+                if (Try(held->file, mode) != Outcome::BUSY) {
+                    held->mode = mode;
+                    mEntry = std::move(held);
+                    return;
+                }
+                holder = Disk().LockHolder(held->file.Handle());
+            } else {
+                OpenFile file(locked, OpenFor::READING);
+                const Outcome outcome = Try(file, mode);
+                if (outcome == Outcome::NO_LOCKS) return;
+                if (outcome == Outcome::TAKEN) {
+                    // Whoever held it may have put another file in its place.
+                    const std::optional<FileStatus> now = Look(LockedPath(path));
+                    if (!now || !now->IsSameFile(file.Status())) continue;
+                    mEntry = table.Add(std::move(file), mode);
+                    return;
+                }
+                holder = Disk().LockHolder(file.Handle());
+            }
+        }
+        if (waited >= wait) {
+            throw FileError(FileAction::LOCK, path,
+                            "is locked by " + (holder.empty() ? "another process" : holder) + "; waited " +
+                                TextOf(wait));
+        }
+        Disk().Sleep(STEP);
+    }
+}
+
+void FileLock::Adopt(OpenFile file) const {
+    if (!mEntry) return;
+    Table& table = Table::Ref();
+    const std::lock_guard guard(table.mutex);
+    Entry* last = mEntry.get();
+    while (last->successor) last = last->successor.get();
+    last->successor = table.Add(std::move(file), LockMode::EXCLUSIVE);
+}
+
+}  // namespace VemoKesConfigTools::files
