@@ -162,15 +162,15 @@ TEST_F(SingleValues, EmptyValuesAndNewlinesAreReadAsInAText) {
     EXPECT_EQ(mFacade.GetValues()->size(), 2U) << "a set replaces all of them";
 }
 
-TEST_F(SingleValues, OfSeveralPlacesTheLastOneCounts) {
+TEST_F(SingleValues, OfSeveralPlacesTheOneWrittenLastCounts) {
     ASSERT_TRUE(Set(MAX_ACL_LINKS, "3", DEVICE_TYPE_OTP, 1));
     ASSERT_TRUE(Set(MAX_ACL_LINKS, "4", DEVICE_TYPE_SMEM, 1));
     ASSERT_TRUE(Set(MAX_ACL_LINKS, "5", DEVICE_TYPE_OTP, 1));
-    EXPECT_EQ(Get(MAX_ACL_LINKS), "\n# Links at a time\nmax_acl_links = 4\n");
-    EXPECT_FALSE(mFacade.RemoveValue(mBt, MAX_ACL_LINKS, nullptr, DEVICE_TYPE_SMEM, 2));
-    EXPECT_TRUE(mFacade.RemoveValue(mBt, MAX_ACL_LINKS, nullptr, DEVICE_TYPE_SMEM, 1));
-    EXPECT_FALSE(mFacade.RemoveValue(mBt, MAX_ACL_LINKS, nullptr, DEVICE_TYPE_SMEM, 1));
     EXPECT_EQ(Get(MAX_ACL_LINKS), "\n# Links at a time\nmax_acl_links = 5\n");
+    EXPECT_FALSE(mFacade.RemoveValue(mBt, MAX_ACL_LINKS, nullptr, DEVICE_TYPE_OTP, 2));
+    EXPECT_TRUE(mFacade.RemoveValue(mBt, MAX_ACL_LINKS, nullptr, DEVICE_TYPE_OTP, 1));
+    EXPECT_FALSE(mFacade.RemoveValue(mBt, MAX_ACL_LINKS, nullptr, DEVICE_TYPE_OTP, 1));
+    EXPECT_EQ(Get(MAX_ACL_LINKS), "\n# Links at a time\nmax_acl_links = 4\n");
 }
 
 TEST_F(SingleValues, ARawValueNeedsNoMetadata) {

@@ -4,6 +4,7 @@
 #include "facade/FacadeSupport.h"
 #include "facade/FrameworkFacade.h"
 #include "model/CChipConfig.h"
+#include "model/CConfigTransaction.h"
 #include "model/CSubsystemConfig.h"
 #include "model/IConfigReader.h"
 #include "model/IConfigWriter.h"
@@ -120,7 +121,10 @@ bool FrameworkFacade::SetAddValue(const SubsystemRef& subsystem, std::int32_t ps
     }
     text.append(indexedPsid(psId, indexes)).append("=").append(Framework::GetString(value)).append("\n");
     mpBuffer->str(std::move(text));
-    return mpTextReader->Read(context);
+    CConfigTransaction change(*mpFileChip);
+    if (!mpTextReader->Read(context)) return false;
+    change.Commit();
+    return true;
 }
 
 bool FrameworkFacade::RemoveValue(const SubsystemRef& subsystem, std::int32_t psId,

@@ -141,14 +141,15 @@ public:
     bool HasValue(const SubsystemRef& subsystem, std::int32_t psId, std::int32_t layer,
                   const IndexListRef& indexes) const;
     /// A key as the lines of a text: its label in a comment, name, " = " and value, newline. Null for a key
-    /// that is not there; a default is no value. Of several places the one met last counts. `GetValues` has
-    /// the value alone.
+    /// that is not there; a default is no value. Of several places the one in which this key was written last
+    /// counts. `GetValues` has the value alone.
     HostString GetValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                         std::int32_t layer);
     /// Sets a key, which replaces all that the place holds of it. `device` is otp, smem, mtp or eeprom; on
     /// eeprom `store` is 1 to 15. `value` is what a text has behind "=": an empty one removes the key, and
-    /// what follows a newline in it is a line of its own. A refused line changes nothing; the place in its
-    /// message is that in a text made for the purpose. A layer of 0 or less is refused without a message.
+    /// what follows a newline in it is a line of its own. When any of the lines is refused, nothing changes;
+    /// the place in the message is that in a text made for the purpose. A place that a good call left without
+    /// keys stays only if it was there before. A layer of 0 or less is refused without a message.
     bool SetValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                   std::int32_t device, std::int32_t store, std::int32_t layerIndex, const HostString& value);
     /// The same, but the key goes behind those that the place holds of it. An empty value adds a key without

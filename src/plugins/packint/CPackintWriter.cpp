@@ -60,6 +60,7 @@ void CPackintWriter::Save(std::vector<EncodedPlace> places, CKesContext& context
     FileReplacement files;
     std::set<std::string> written;
     for (const EncodedPlace& place : places) {
+        if (place.keyCount == 0) continue;
         const std::string name = ChunkFileName(place.place);
         files.Add((folder / name).string(), EncodeChunk({context.Chip(), place}));
         written.insert(name);
