@@ -20,7 +20,8 @@ class UndoneChanges : public KesTest::DeviceSession {
 protected:
     static bool Set(FrameworkFacade& facade, const char* subsystem, std::int32_t device, std::int32_t store,
                     const char* value) {
-        return facade.SetValue(SubsystemNamed(subsystem), MAX_ACL_LINKS, nullptr, device, store, LAYER, value);
+        return facade.SetValue(SubsystemNamed(subsystem), MAX_ACL_LINKS, nullptr, device, store, LAYER,
+                               value);
     }
     /// Values, places with their numbers of keys, stores, and whether subsystem types are mixed.
     static std::string State(FrameworkFacade& facade) {
@@ -38,7 +39,8 @@ protected:
 
 TEST_F(UndoneChanges, ARefusedOrEmptyValueLeavesNothingThatWasNotThere) {
     const auto facade = Holding("file=bt2\nmax_acl_links=3\nfile=bt3\nmax_acl_links=4\n");
-    ASSERT_TRUE(facade->AddValue(SubsystemNamed("bt"), MAX_ACL_LINKS, nullptr, DEVICE_TYPE_EEPROM, 3, LAYER, "5"));
+    ASSERT_TRUE(
+        facade->AddValue(SubsystemNamed("bt"), MAX_ACL_LINKS, nullptr, DEVICE_TYPE_EEPROM, 3, LAYER, "5"));
     const std::string before = State(*facade);
     const struct {
         const char* subsystem;
@@ -54,16 +56,18 @@ TEST_F(UndoneChanges, ARefusedOrEmptyValueLeavesNothingThatWasNotThere) {
         {"bt", DEVICE_TYPE_EEPROM, 3, "6 trailing", false},
         {"bt", DEVICE_TYPE_EEPROM, 2, "6\nunknown_key=1", false},
         {"bt", DEVICE_TYPE_EEPROM, 3, "6\nmax_acl_links=\nmax_acl_links=7\nmax_acl_links=x", false},
-        {"bt", DEVICE_TYPE_EEPROM, 3, "\nfile=bt2\nmax_acl_links=\nfile=bt9\nmax_acl_links=1\nfile=nothing", false},
+        {"bt", DEVICE_TYPE_EEPROM, 3, "\nfile=bt2\nmax_acl_links=\nfile=bt9\nmax_acl_links=1\nfile=nothing",
+         false},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(Set(*facade, row.subsystem, row.device, row.store, row.value), row.good) << row.value;
-        EXPECT_EQ(State(*facade), before) << row.subsystem << " " << row.device << "/" << row.store << " "
-                                          << row.value;
+        EXPECT_EQ(State(*facade), before)
+            << row.subsystem << " " << row.device << "/" << row.store << " " << row.value;
         KesTest::ClearErrors();
     }
     EXPECT_TRUE(Set(*facade, "bt", DEVICE_TYPE_EEPROM, 3, "\nfile=wlan4"));
-    EXPECT_EQ(State(*facade), "1/15/2 4101=3 | 1/15/2:1 1/15/3:0 | 15/3 15/2") << "a place that was there stays";
+    EXPECT_EQ(State(*facade), "1/15/2 4101=3 | 1/15/2:1 1/15/3:0 | 15/3 15/2")
+        << "a place that was there stays";
     EXPECT_TRUE(Set(*facade, "bt", DEVICE_TYPE_EEPROM, 4, "7"));
     EXPECT_EQ(State(*facade), "1/15/2 4101=3; 1/15/4 4101=7 | 1/15/2:1 1/15/3:0 1/15/4:1 | 15/4 15/3 15/2");
 }
@@ -84,17 +88,20 @@ TEST_F(UndoneChanges, APlaceWithoutKeysIsKeptInATextAndMakesNoChunkFile) {
 
 TEST_F(UndoneChanges, APlaceWithoutKeysTakesNoStoreOfADevice) {
     const std::string image = Image(ImageFamily::Kld, 65536);
-    const auto facade = Holding("subsystem=bt\ndevice=otp\nstore=1\nmax_acl_links=1\ndevice=smem\nstore=1\n"
-                                "max_acl_links=1\ndevice=otp\nstore=2\n");
+    const auto facade = Holding(
+        "subsystem=bt\ndevice=otp\nstore=1\nmax_acl_links=1\ndevice=smem\nstore=1\n"
+        "max_acl_links=1\ndevice=otp\nstore=2\n");
     ASSERT_TRUE(Save(*facade, ImageFamily::Kld, image)) << LastError();
     const std::string saved = KesTest::ReadFile(image);
     const auto reader = Blank();
     ASSERT_TRUE(Load(*reader, ImageFamily::Kld, image)) << LastError();
     EXPECT_EQ(State(*reader), "1/1/1 4101=1; 1/2/1 4101=1 | 1/1/1:1 1/2/1:1 | 1/1 2/1");
-    const auto empty = Holding("subsystem=wlan\ndevice=otp\nstore=1\nsubsystem=bt\ndevice=otp\nstore=1\n"
-                               "max_acl_links=1\ndevice=smem\nstore=1\nmax_acl_links=1\n");
+    const auto empty = Holding(
+        "subsystem=wlan\ndevice=otp\nstore=1\nsubsystem=bt\ndevice=otp\nstore=1\n"
+        "max_acl_links=1\ndevice=smem\nstore=1\nmax_acl_links=1\n");
     ASSERT_TRUE(Save(*empty, ImageFamily::Kld, image)) << LastError();
-    EXPECT_TRUE(KesTest::ReadFile(image) == saved) << "one-time-programmable memory takes no segment for nothing";
+    EXPECT_TRUE(KesTest::ReadFile(image) == saved)
+        << "one-time-programmable memory takes no segment for nothing";
     ASSERT_TRUE(Set(*facade, "bt", DEVICE_TYPE_SMEM, 1, ""));
     ASSERT_TRUE(Save(*facade, ImageFamily::Kld, image)) << LastError();
     ASSERT_TRUE(Load(*reader, ImageFamily::Kld, image)) << LastError();

@@ -10,7 +10,8 @@ void CChangeLog::Close() {
 }
 
 void CChangeLog::UndoKeys() {
-    for (; !mKeyChanges.empty(); mKeyChanges.pop_back()) mKeyChanges.back().place->TakeBack(mKeyChanges.back());
+    for (; !mKeyChanges.empty(); mKeyChanges.pop_back())
+        mKeyChanges.back().place->TakeBack(mKeyChanges.back());
 }
 
 }  // namespace VemoKesConfigTools

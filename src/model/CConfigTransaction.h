@@ -4,8 +4,8 @@
 
 namespace VemoKesConfigTools {
 
-/// One change of a configuration, made of any number of reads, that is kept as a whole or not at all. While it
-/// lives, the configuration notes what each change of a key takes away; so its cost follows from what is
+/// One change of a configuration, made of any number of reads, that is kept as a whole or not at all. While
+/// it lives, the configuration notes what each change of a key takes away; so its cost follows from what is
 /// changed, not from what is there. One at a time for a configuration, which must not be emptied meanwhile.
 class KES_API CConfigTransaction {
 public:
