@@ -33,13 +33,16 @@ FrameworkFacade::FrameworkFacade(const HostString& dbName) {
 
     mpBuffWriter.reset(factory.CreateWriter(KESTEXT.name, "", stream));
     if (mpBuffWriter) mpBuffWriter->SetMetadataProvider(mpProvider.get());
-    mpTextReader.reset(factory.CreateReader(KESTEXT.name, "", stream));
-    mpBinaryReader.reset(factory.CreateReader(PACKINT.name, "", stream));
-    for (IConfigReader* reader : {mpTextReader.get(), mpBinaryReader.get()}) {
-        if (reader == nullptr) continue;
-        reader->SetMetadataProvider(mpProvider.get());
-        reader->SetObserver(mpFileChip.get());
-    }
+    const auto makeReader = [&](const PluginWords& plugin) {
+        std::unique_ptr<IConfigReader> reader(factory.CreateReader(plugin.name, "", stream));
+        if (reader) {
+            reader->SetMetadataProvider(mpProvider.get());
+            reader->SetObserver(mpFileChip.get());
+        }
+        return reader;
+    };
+    mpTextReader = makeReader(KESTEXT);
+    mpBinaryReader = makeReader(PACKINT);
 
     if (!mpProvider) Fail(FUNCTION, ERROR_PLUGIN, NO_PROVIDER);
     if (!mpBuffWriter || !mpTextReader) Fail(FUNCTION, ERROR_PLUGIN, KESTEXT.absent);
