@@ -199,6 +199,32 @@ TEST_F(SingleValues, AValueInTheListSetsTheSameKey) {
     EXPECT_EQ(mFacade.FirstDifference(copy), HostString()) << mFacade.FirstDifference(copy);
 }
 
+TEST_F(SingleValues, BytesThatAreNoUnicodeAreTakenAndGivenAsTheyAre) {
+    FrameworkFacade other(EXAMPLE_DATABASE);
+    other.OwningChip(ChipOf(HEADUNIT));
+    other.LoadBlank();
+    const auto set = [&](FrameworkFacade& facade, const std::string& value) {
+        return facade.SetValueBytes(mBt, LOCAL_NAME, nullptr, DEVICE_TYPE_SMEM, 1, LAYER, value);
+    };
+    ASSERT_TRUE(set(mFacade, "\"a\xFF\"") && set(other, "\"a\xFE\"")) << LastError();
+    EXPECT_NE(mFacade.FirstDifference(other), HostString());
+    const auto mine = mFacade.GetValues()->front();
+    const auto theirs = other.GetValues()->front();
+    EXPECT_EQ(mine->ValueBytes(), "\"a\xFF\"");
+    EXPECT_EQ(mine->Value(), HostString("\"a\uFFFD\""));
+    EXPECT_EQ(mine->Value(), theirs->Value());
+    EXPECT_NE(mine->ValueBytes(), theirs->ValueBytes());
+    ASSERT_TRUE(set(other, mine->ValueBytes()));
+    EXPECT_TRUE(mFacade.FirstDifference(other).IsNull()) << "what was given can be set";
+
+    ASSERT_TRUE(set(mFacade, "[ 61 FF ]")) << "the writer of single values gives octets";
+    std::string text = "untouched";
+    EXPECT_FALSE(mFacade.GetValueBytes(mBt, MAX_ACL_LINKS, nullptr, LAYER, text));
+    EXPECT_EQ(text, "untouched");
+    ASSERT_TRUE(mFacade.GetValueBytes(mBt, LOCAL_NAME, nullptr, LAYER, text));
+    EXPECT_EQ(HostString(text), mFacade.GetValue(mBt, LOCAL_NAME, nullptr, LAYER));
+}
+
 TEST_F(SingleValues, DefaultsStandApartFromTheConfiguration) {
     EXPECT_FALSE(mFacade.HasDefault(mBt, MAX_ACL_LINKS)) << "nothing was loaded";
     EXPECT_TRUE(mFacade.GetDefault(mBt, MAX_ACL_LINKS, nullptr).IsNull());

@@ -100,7 +100,9 @@ bool FrameworkFacade::SaveText(const HostString& filePath, const TextForm& form)
     CKesContext context = FileContext(*mOwningChip);
     if (form.simple) context.SetTag(STR_TXT_SIMPLE_MODE, STR_TRUE);
     CRawKeysWriter front(*writer, *mpProvider);
-    return mpFileChip->Write(form.readsBack ? front : *writer, context);
+    if (!form.readsBack) return mpFileChip->Write(*writer, context);
+    if (!mpFileChip->Write(front, context)) return false;
+    return !front.Fault() || Fail(FUNCTION, ERROR_DATA, front.Fault()->c_str());
 }
 
 HostString FrameworkFacade::FirstDifference(const FrameworkFacade& other) const {

@@ -4,10 +4,9 @@
 #include "model/CChangeLog.h"
 #include "model/CStoreInfo.h"
 #include "model/CSubsystemConfig.h"
-#include "model/DeviceNames.h"
 #include "model/IConfigReader.h"
 #include "model/IConfigWriter.h"
-#include "model/SubsystemNames.h"
+#include "model/PlaceWords.h"
 
 #include <algorithm>
 #include <charconv>
@@ -270,16 +269,7 @@ void CChipConfig::Clear() {
 
 std::optional<std::string> CChipConfig::FirstDifference(const CChipConfig& other) const {
     const auto describe = [](const CSubsystemConfig& place, const CElement* element) {
-        const CKesContext& at = place.Place();
-        std::string text = place.Type() < std::size(SUBSYSTEM_NAMES)
-                               ? std::string(SUBSYSTEM_NAMES[place.Type()])
-                               : "subsystem type " + std::to_string(place.Type());
-        const auto named = std::ranges::find(DEVICE_NAMES, at.Device(), [](const auto& entry) {
-            return static_cast<std::int32_t>(entry.second);
-        });
-        text += ", " + (named == DEVICE_NAMES.end() ? "device " + std::to_string(at.Device())
-                                                    : std::string(named->first));
-        text += ", store " + std::to_string(at.Store());
+        const std::string text = DescribePlace(place.Place());
         return element == nullptr ? text : text + ": " + element->ToString();
     };
     const auto counterpart = [](const CChipConfig& config, const CSubsystemConfig& place) {
