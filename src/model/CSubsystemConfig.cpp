@@ -110,9 +110,10 @@ void CSubsystemConfig::TakeBack(KeyChange& change) {
     Positions others;
     for (; !change.taken.empty(); change.followers.pop_back()) {
         const auto last = std::prev(change.taken.end());
-        if (last != node) others.insert(others.begin(), last);
+        if (last != node) others.push_back(last);
         mElements.splice(change.followers.back(), change.taken, last);
     }
+    std::ranges::reverse(others);
     if (!others.empty()) mOthers.emplace(&*node, std::move(others));
     if (change.kind == REMOVED) {
         const Key key = CKeyTable::KeyOf(**node);
