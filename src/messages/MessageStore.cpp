@@ -3,7 +3,7 @@
 namespace VemoKesConfigTools {
 
 MessageStore& MessageStore::Instance() {
-    static MessageStore* const store = new MessageStore;
+    static auto* const store = new MessageStore;
     return *store;
 }
 
