@@ -76,7 +76,7 @@ const std::string TEXT =
     "small=% 200 %\npair=% [01 02 03] %\nwords=% 1 %\nmode=% 3 %\n4000000000=% 0xFFFFFFFFFFFFFFFF [01] %\n"
     "subsystem=bt\ndevice=otp\nstore=0x1234\nu8=% 1 2 %\n"
     "subsystem=curator\ndevice=rom\nstore=0\nrf_table.1.4294967295=-1\nrf_offset.0=5\n"
-    "subsystem=curator\ndevice=smem\nstore=7\n";
+    "subsystem=curator\ndevice=smem\nstore=7\nu8=7\n";
 
 TEST(ChunkFiles, GiveBackEveryKeyAndValue) {
     const TempFolder folder;

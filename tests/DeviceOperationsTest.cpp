@@ -70,7 +70,9 @@ TEST_F(DeviceOperations, LoadsReplaceOrMergeAndFilter) {
         {LoadCrs("dev", -1), true, "none", READ_BOTH, Loading("KesIsp 'dev' null", {"", second})},
         {LoadCrs("dev", 15), true, "none", READ_BOTH,
          Loading("KesIsp 'dev' null", {" storesetfilter=15", second})},
-        {LoadCrs("fail", 15), false, "none", EMPTY, Loading("KesIsp 'fail' null", {" storesetfilter=15"})},
+        {LoadCrs("fail", 15), false, "none", EMPTY,
+         "reader KesIsp 'fail' null\nprovider\nobserver\nread chip=ostrell_520_2_3 filetype=1 "
+         "insertmode=overwrite storesetfilter=15\nobserver\ndelete\n"},
         {LoadCrs("fail-second", 7), false, "none", READ_ONE,
          Loading("KesIsp 'fail-second' null", {"", second})},
         {LoadCrs("null", 2), false, "1 KesIsp readerwriter plugin not found.", EMPTY,

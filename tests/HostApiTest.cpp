@@ -77,6 +77,34 @@ TEST(Records, ShowTheTextNullAsNull) {
     EXPECT_THROW(static_cast<void>(index.EnumValue("y")), std::out_of_range);
 }
 
+TEST(Records, TraceTheirConstructors) {
+    struct Watcher final : VemoKesConfigTools::CMessageHandlerObserver {
+        Watcher() { VemoKesConfigTools::CTheMsgHnd::AddObserver(*this); }
+        ~Watcher() override {
+            VemoKesConfigTools::CTheMsgHnd::RemoveObserver(*this);
+            VemoKesConfigTools::CTheMsgHnd::ActivateDebug(false);
+        }
+        void OnTrace(const std::string& line) override {
+            const std::size_t at = line.find("-> VEMO::Kes::ConfigurationTools::");
+            if (at != std::string::npos && line.starts_with("[6/0]")) {
+                const std::size_t from = line.rfind("::") + 2;
+                names += line.substr(from, line.find(' ', from) - from) + " ";
+            }
+        }
+        std::string names;
+    } watcher;
+    VemoKesConfigTools::CTheMsgHnd::ActivateDebug(true);
+    const Chip chip;
+    const Subsystem subsystem;
+    const Store store;
+    const TableIndex index("", 0, 0, TableIndex::INDEX_TYPE_INT);
+    const StructField field(nullptr, 0, 0);
+    const MetadataDetails details("");
+    const Metadata metadata(0, 0, "", "", SimpleElementTypes::None, AccessRights::ReadWrite, false, false, 0,
+                            0, "", 0, 0, VemoKesConfigTools::METADATA_TYPE_UNKNOWN, "", "", "", "", "", 0U);
+    EXPECT_EQ(watcher.names, "Chip Subsystem Store TableIndex StructField MetadataDetails Metadata ");
+}
+
 TEST(Records, TranslateTheWordsOfTheMetadata) {
     const struct {
         const char* text;

@@ -345,4 +345,23 @@ TEST_F(Reading, ExitCodesAreThoseOfTheTable) {
     }
 }
 
+TEST_F(Reading, BytesThatAreNoUnicodeAreToldApartAndPrintedAsTheyAre) {
+    folder.Write("a", "version=ostrell_520_2_3\nfile=bt1\nlocal_name = \"x\xFFy\"\n");
+    folder.Write("b", "version=ostrell_520_2_3\nfile=bt1\nlocal_name = \"x\xFEy\"\n");
+    EXPECT_EQ(Run("kes get a local_name").out, "\"x\xFFy\"\n");
+    const Outcome diff = Run("kes diff a b");
+    EXPECT_EQ(diff.code, 1);
+    EXPECT_TRUE(Holds(diff.out, "local_name = \"x\xFFy\" -> \"x\xFEy\"\n")) << diff.out;
+    const Json got = Document("kes get a local_name")["results"][0];
+    EXPECT_EQ(got["value"], "\"x\uFFFDy\"");
+    EXPECT_EQ(got["value_hex"], "2278FF7922");
+    EXPECT_FALSE(got.contains("default_hex"));
+    const Json change = Document("kes diff a b", 1)["results"][0];
+    EXPECT_EQ(change["before"], change["after"]);
+    EXPECT_EQ(change["before_hex"], "2278FF7922");
+    EXPECT_EQ(change["after_hex"], "2278FE7922");
+    EXPECT_EQ(Run("kes set b local_name \"$(kes get a local_name)\" && cmp a b").code, 0)
+        << "what get prints can be set";
+}
+
 }  // namespace

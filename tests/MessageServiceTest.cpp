@@ -3,8 +3,13 @@
 #include "messages/CDebugSentry.h"
 #include "messages/CTheMsgHnd.h"
 
+#include <atomic>
+#include <cstddef>
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <new>
 #include <string>
+#include <thread>
 #include <vector>
 
 using namespace VemoKesConfigTools;
@@ -63,6 +68,120 @@ TEST_F(MessageService, ErrorsOfAllHandlersShareOneStore) {
     text.ClearError(CMessageHandler::GROUP_DEFAULT);
     EXPECT_FALSE(general.IsErrorSet(CMessageHandler::GROUP_ANY, true));
     EXPECT_FALSE(text.ModifyErrorMsg(0, "nothing to modify", CMessageHandler::GROUP_ANY));
+}
+
+TEST_F(MessageService, AnErrorThatIsRewrittenIsReportedAsSuch) {
+    struct Watcher final : CMessageHandlerObserver {
+        void OnError(std::int16_t number, const std::string& words) override {
+            calls += "error " + std::to_string(number) + " " + words + ";";
+        }
+        void OnErrorModified(std::int16_t number, const std::string& words) override {
+            calls += "modified " + std::to_string(number) + " " + words + ";";
+        }
+        std::string calls;
+    } watcher;
+    CTheMsgHnd::AddObserver(watcher);
+    text.SetErrorMsg(1, "file");
+    text.ModifyErrorMsg(0, "cannot open", CMessageHandler::GROUP_ANY);
+    CTheMsgHnd::RemoveObserver(watcher);
+    EXPECT_EQ(watcher.calls, "error 1 file;modified 0 cannot open: file;");
+}
+
+TEST_F(MessageService, OfVeryManyErrorsTheNewestAreKeptAndTheOthersCounted) {
+    for (int i = 1; i <= 2500; ++i) text.SetErrorMsg(0, "error " + std::to_string(i));
+    std::uint64_t dropped = 0;
+    std::vector<std::string> kept = CTheMsgHnd::KeptErrors(dropped);
+    ASSERT_EQ(kept.size(), 1000U);
+    EXPECT_EQ(dropped, 1500U);
+    EXPECT_EQ(kept.front(), "error 1501");
+    EXPECT_EQ(kept.back(), "error 2500");
+    EXPECT_TRUE(general.IsErrorSet(CMessageHandler::GROUP_ANY, true));
+    general.ClearError(CMessageHandler::GROUP_DEFAULT);
+    EXPECT_FALSE(general.IsErrorSet(CMessageHandler::GROUP_ANY, true));
+    kept = CTheMsgHnd::KeptErrors(dropped);
+    EXPECT_TRUE(kept.empty() && dropped == 0);
+}
+
+/// Reports from several threads while the observer is made, removed and destroyed again and again.
+TEST_F(MessageService, NoCallReachesAnObserverThatWasRemoved) {
+    struct Fragile final : CMessageHandlerObserver {
+        explicit Fragile(std::atomic<int>& late) : mLate(late) { CTheMsgHnd::AddObserver(*this); }
+        ~Fragile() override {
+            CTheMsgHnd::RemoveObserver(*this);
+            mGone = true;
+        }
+        void OnStatus(std::int32_t /*level*/, const std::string& /*text*/) override {
+            for (int i = 0; i < 50; ++i) {
+                if (mGone) ++mLate;
+                std::this_thread::yield();
+            }
+        }
+        std::atomic<int>& mLate;
+        std::atomic<bool> mGone = false;
+    };
+    std::atomic<bool> stop = false;
+    std::atomic<int> late = 0;
+    std::vector<std::thread> reporters;
+    for (int i = 0; i < 3; ++i) {
+        reporters.emplace_back([&] {
+            while (!stop) text.NotifyStatus(CMessageHandler::STATUS_LEVEL_INFO, "busy");
+        });
+    }
+    for (int round = 0; round < 300; ++round) {
+        alignas(Fragile) std::byte place[sizeof(Fragile)];
+        auto* observer = new (place) Fragile(late);
+        for (int i = 0; i < 20; ++i) std::this_thread::yield();
+        observer->~Fragile();
+    }
+    stop = true;
+    for (std::thread& reporter : reporters) reporter.join();
+    EXPECT_EQ(late, 0);
+}
+
+TEST_F(MessageService, AnObserverMayRemoveItselfFromWithinItsCallOnSeveralThreads) {
+    struct Once final : CMessageHandlerObserver {
+        void OnStatus(std::int32_t /*level*/, const std::string& /*text*/) override {
+            ++calls;
+            while (calls < 2) std::this_thread::yield();
+            CTheMsgHnd::RemoveObserver(*this);
+        }
+        std::atomic<int> calls = 0;
+    } once;
+    CTheMsgHnd::AddObserver(once);
+    std::thread other([&] { text.NotifyStatus(CMessageHandler::STATUS_LEVEL_INFO, "one"); });
+    text.NotifyStatus(CMessageHandler::STATUS_LEVEL_INFO, "two");
+    other.join();
+    text.NotifyStatus(CMessageHandler::STATUS_LEVEL_INFO, "three");
+    EXPECT_EQ(once.calls, 2);
+}
+
+/// Ends the process with 0 when the service still works in a destructor that runs after all others of its.
+struct LastToGo final : CMessageHandlerObserver {
+    ~LastToGo() override {
+        CMessageHandler& handler = Handler(CMessageHandler::GROUP_DEFAULT);
+        const bool kept = handler.IsErrorSet(CMessageHandler::GROUP_ANY, true);
+        handler.SetErrorMsg(1, "reported at the very end of the process");
+        CTheMsgHnd::RemoveObserver(*this);
+        handler.SetErrorMsg(1, "after it was removed");
+        std::uint64_t dropped = 0;
+        const std::vector<std::string> errors = CTheMsgHnd::KeptErrors(dropped);
+        std::_Exit(kept && mHeard == 1 && errors.size() == 2002 - dropped ? 0 : 1);
+    }
+    void OnError(std::int16_t /*number*/, const std::string& /*text*/) override { ++mHeard; }
+    int mHeard = 0;
+};
+
+TEST(MessageServiceAtExit, AGlobalObserverStillFindsTheService) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            static LastToGo last;  // made before the service is, so that it goes after it
+            CMessageHandler& handler = Handler(CMessageHandler::GROUP_DEFAULT);
+            for (int i = 0; i < 2000; ++i) handler.SetErrorMsg(0, "an error with a long text, to be kept");
+            CTheMsgHnd::AddObserver(last);
+            std::exit(3);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 TEST_F(MessageService, CountsErrorsAcrossClearing) {

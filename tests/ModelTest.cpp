@@ -1,6 +1,7 @@
 // Contexts, payloads, elements, and a configuration as the observer of readers and the source of writers.
 
 #include "messages/CTheMsgHnd.h"
+#include "model/CConfigTransaction.h"
 #include "model/IConfigReader.h"
 #include "model/IConfigWriter.h"
 #include "support/Dump.h"
@@ -311,6 +312,74 @@ TEST(ChipConfig, KeysAreThoseThatCameAndDidNotGo) {
     }
 }
 
+/// Whatever is done while a transaction lives: without a commit all is as before, and goes on to work.
+TEST(ChipConfig, ATransactionThatIsNotKeptLeavesNoTrace) {
+    FakeReader reader;
+    CChipConfig config;
+    std::mt19937 random(1);
+    const auto change = [&](std::size_t steps) {
+        for (std::size_t step = 0; step < steps; ++step) {
+            CKesContext context = PlaceContext(static_cast<std::int32_t>(random() % 2), 15,
+                                               static_cast<std::int32_t>(random() % 3));
+            if (random() % 2 == 0) context.SetTag(STR_INSERT_MODE, STR_APPEND);
+            const std::uint32_t psid = 1 + random() % 4;
+            const std::vector<std::uint32_t> indices(random() % 2, 7);
+            config.OnSubsystemFound(reader, context);
+            auto& place = dynamic_cast<CSubsystemConfig&>(*reader.elements);
+            if (random() % 3 == 0) {
+                place.RemoveElement(psid, &indices);
+            } else {
+                place.OnElementFound(NewElement(psid, static_cast<std::uint8_t>(random()), indices), context);
+            }
+            if (random() % 8 != 0) continue;
+            ClearStoreList(reader.stores);
+            reader.AddStore(IStoreManager::DEVICE_EEPROM, static_cast<std::uint16_t>(random() % 3), 1);
+            config.OnReadEnded(reader, context);
+        }
+    };
+    const auto state = [&] {
+        std::string text = Dump(config) + " " + DumpStores(config.Stores());
+        for (const auto& [number, place] : config.Subsystems()) {
+            for (std::uint32_t psid = 1; psid <= 4; ++psid) {
+                text += place->ElementsIsEmpty(psid) ? " -" : " +";
+                const CElement* newest = place->Find(psid, {});
+                if (newest != nullptr) text += DumpElement(*newest);
+            }
+        }
+        return text + (config.IsHeterogeneous() ? " mixed" : "");
+    };
+    for (int round = 0; round < 500; ++round) {
+        if (round % 50 == 0) config.Clear();
+        change(random() % 4);
+        const std::string before = state();
+        {
+            const CConfigTransaction transaction(config);
+            change(random() % 12);
+        }
+        ASSERT_EQ(state(), before) << "round " << round;
+    }
+}
+
+TEST(ChipConfig, ATransactionThatIsKeptBringsNoPlaceWithoutKeys) {
+    FakeReader reader;
+    CChipConfig config;
+    CKesContext empty = PlaceContext(2, 15, 4);
+    config.OnSubsystemFound(reader, empty);
+    {
+        CConfigTransaction transaction(config);
+        reader.Find(config, PlaceContext(1, 15, 2), NewElement(5, 1));
+        CKesContext other = PlaceContext(1, 15, 3);
+        config.OnSubsystemFound(reader, other);
+        reader.AddStore(IStoreManager::DEVICE_EEPROM, 2, 1);
+        reader.AddStore(IStoreManager::DEVICE_EEPROM, 3, 2);
+        config.OnReadEnded(reader, other);
+        transaction.Commit();
+    }
+    EXPECT_EQ(Dump(config) + " " + DumpStores(config.Stores()), "[2/15/4] [1/15/2 5=u8:1] 15/2#1");
+    reader.Find(config, PlaceContext(1, 15, 3), NewElement(5, 1));
+    EXPECT_EQ(Dump(config), "[2/15/4] [1/15/2 5=u8:1] [1/15/3 5=u8:1]");
+}
+
 TEST(ChipConfig, LayersAnswerToTheQuestionsMeantForThem) {
     FakeReader reader;
     CChipConfig config;
@@ -339,6 +408,10 @@ TEST(ChipConfig, LayersAnswerToTheQuestionsMeantForThem) {
         {"6", 0, 15, "6=u8:0"},
         {"7.9", 0, 15, "7.9=u8:2"},
         {"7.9", 0, 1, "none"},
+        {"8", 0, 19, "none"},
+        {"8", 0, 20, "8=u8:20"},
+        {"8", 1, 65535, "8=u8:20"},
+        {"6", NO_LAYER, 3, "6=u8:0"},
         {"x", 1, -1, "none"},
         {"99", 1, -1, "none"},
     };
@@ -372,6 +445,10 @@ TEST(ChipConfig, QuestionsNarrowToSubsystemDeviceAndStore) {
     EXPECT_EQ(value("subsystemtype=3;store=1"), "5=u8:1");
     EXPECT_EQ(value("subsystemtype=3;device=1;store=1"), "0=");
     EXPECT_EQ(value("subsystemtype=-1"), "5=u8:3");
+    reader.Find(config, PlaceContext(3, 15, 1), NewElement(5, 4));
+    reader.Find(config, PlaceContext(3, 1, 2), NewElement(6, 5));
+    EXPECT_EQ(value("subsystemtype=3"), "5=u8:4") << "the place in which this key was written last";
+    EXPECT_EQ(value("subsystemtype=3;device=1"), "5=u8:2");
     EXPECT_EQ(value("subsystemtype=2"), "0=");
 }
 

@@ -52,4 +52,61 @@ TEST(RawKeysWriter, RawValuesComeBackInTheFormThatTheirKeyTakes) {
     }
 }
 
+TEST(RawKeysWriter, NegativeNumbersOfEightBitsHaveTheDigitsOfEightBits) {
+    MemoryProvider provider;
+    provider.AddSubsystem("audio");
+    const Record& flat = provider.Key(1, "flat", "int8").Range(-128, 127).Format("hexadecimal");
+    const Record& plain = provider.Key(2, "plain", "int8").Range(-128, 127);
+    provider.Key(3, "both", "").Struct({{&flat, 8}, {&plain, 8}});
+    CChipConfig config;
+    CKesContext context = OverwriteContext();
+    ASSERT_EQ(
+        Read("file=audio\nflat = -1\nplain = -1\nboth = {-128, -1}\n", config, context, provider).findings,
+        "");
+    std::ostringstream stream;
+    CKesWriter text(&stream, &provider);
+    CRawKeysWriter writer(text, provider);
+    context.SetTag(STR_TXT_SIMPLE_MODE, STR_TRUE);
+    EXPECT_TRUE(config.Write(writer, context));
+    EXPECT_FALSE(writer.Fault().has_value());
+    EXPECT_NE(stream.str().find("flat = 0xFF\nplain = -1\nboth = {0x80, -1}\n"), std::string::npos)
+        << stream.str();
+}
+
+TEST(RawKeysWriter, WhatHasNoFormThatReadsBackIsNamed) {
+    const auto composite = [] {
+        auto* value = new CComplexPayload(PAYLOAD_TYPE_STRUCT);
+        value->AddField(new CUint8Payload(1));
+        return value;
+    };
+    const struct {
+        CElement* element;
+        std::string fault;
+    } rows[] = {
+        {new CIndexedElement(99, "", {2147483648U}, {new CUint64Payload(1)}, false),
+         "audio, eeprom, store 1: key 99.2147483648 has an index above 2147483647, which texts cannot name"},
+        {new CIndexedElement(99, "", {2147483647U}, {new CUint64Payload(1)}, false), ""},
+        {new CIndexedElement(99, "", {}, {composite()}, false),
+         "audio, eeprom, store 1: key 99 has a raw value with braces, raw values are a list of numbers and "
+         "octets"},
+        {new CIndexedElement(99, "", {}, {new CEnumPayload("ON", 1)}, false),
+         "audio, eeprom, store 1: key 99 has a raw value with a name, raw values are a list of numbers and "
+         "octets"},
+        {new CIndexedElement(99, "", {}, {new CInt16Payload(-1)}, false),
+         "audio, eeprom, store 1: key 99 has a raw value below 0, raw numbers have no sign"},
+        {new CIndexedElement(99, "", {}, {new CInt16Payload(1)}, false), ""},
+    };
+    for (const auto& row : rows) {
+        CChipConfig config;
+        CKesContext context = Place(SUBSYSTEM_AUDIO, IStoreManager::DEVICE_EEPROM, 1);
+        config.OnElementFound(row.element, context);
+        std::ostringstream stream;
+        CKesWriter text(&stream, &TextKeys());
+        CRawKeysWriter writer(text, TextKeys());
+        config.Write(writer, context);
+        EXPECT_EQ(writer.Fault().value_or(""),
+                  row.fault.empty() ? "" : row.fault + "; keep it in chunk files or remove it");
+    }
+}
+
 }  // namespace

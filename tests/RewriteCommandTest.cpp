@@ -100,7 +100,7 @@ TEST(Rewrite, RefusesWhatWouldNotSurvive) {
     const Outcome outcome = RunKes({"rewrite", empty, "-o", folder / "out.ktf"});
     EXPECT_EQ(outcome.code, 1);
     EXPECT_TRUE(
-        Holds(outcome.err, "cannot be rewritten, it would not read back the same: bt, device 15, store 1"))
+        Holds(outcome.err, "cannot be rewritten, it would not read back the same: bt, eeprom, store 1"))
         << outcome.err;
     EXPECT_FALSE(std::filesystem::exists(folder / "out.ktf"));
     EXPECT_EQ(RunKes({"rewrite", "-i", "-"}, "true |").code, 2);

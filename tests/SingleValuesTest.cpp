@@ -162,15 +162,15 @@ TEST_F(SingleValues, EmptyValuesAndNewlinesAreReadAsInAText) {
     EXPECT_EQ(mFacade.GetValues()->size(), 2U) << "a set replaces all of them";
 }
 
-TEST_F(SingleValues, OfSeveralPlacesTheLastOneCounts) {
+TEST_F(SingleValues, OfSeveralPlacesTheOneWrittenLastCounts) {
     ASSERT_TRUE(Set(MAX_ACL_LINKS, "3", DEVICE_TYPE_OTP, 1));
     ASSERT_TRUE(Set(MAX_ACL_LINKS, "4", DEVICE_TYPE_SMEM, 1));
     ASSERT_TRUE(Set(MAX_ACL_LINKS, "5", DEVICE_TYPE_OTP, 1));
-    EXPECT_EQ(Get(MAX_ACL_LINKS), "\n# Links at a time\nmax_acl_links = 4\n");
-    EXPECT_FALSE(mFacade.RemoveValue(mBt, MAX_ACL_LINKS, nullptr, DEVICE_TYPE_SMEM, 2));
-    EXPECT_TRUE(mFacade.RemoveValue(mBt, MAX_ACL_LINKS, nullptr, DEVICE_TYPE_SMEM, 1));
-    EXPECT_FALSE(mFacade.RemoveValue(mBt, MAX_ACL_LINKS, nullptr, DEVICE_TYPE_SMEM, 1));
     EXPECT_EQ(Get(MAX_ACL_LINKS), "\n# Links at a time\nmax_acl_links = 5\n");
+    EXPECT_FALSE(mFacade.RemoveValue(mBt, MAX_ACL_LINKS, nullptr, DEVICE_TYPE_OTP, 2));
+    EXPECT_TRUE(mFacade.RemoveValue(mBt, MAX_ACL_LINKS, nullptr, DEVICE_TYPE_OTP, 1));
+    EXPECT_FALSE(mFacade.RemoveValue(mBt, MAX_ACL_LINKS, nullptr, DEVICE_TYPE_OTP, 1));
+    EXPECT_EQ(Get(MAX_ACL_LINKS), "\n# Links at a time\nmax_acl_links = 4\n");
 }
 
 TEST_F(SingleValues, ARawValueNeedsNoMetadata) {
@@ -197,6 +197,32 @@ TEST_F(SingleValues, AValueInTheListSetsTheSameKey) {
             << key->Name() << " = " << key->Value() << ": " << LastError();
     }
     EXPECT_EQ(mFacade.FirstDifference(copy), HostString()) << mFacade.FirstDifference(copy);
+}
+
+TEST_F(SingleValues, BytesThatAreNoUnicodeAreTakenAndGivenAsTheyAre) {
+    FrameworkFacade other(EXAMPLE_DATABASE);
+    other.OwningChip(ChipOf(HEADUNIT));
+    other.LoadBlank();
+    const auto set = [&](FrameworkFacade& facade, const std::string& value) {
+        return facade.SetValueBytes(mBt, LOCAL_NAME, nullptr, DEVICE_TYPE_SMEM, 1, LAYER, value);
+    };
+    ASSERT_TRUE(set(mFacade, "\"a\xFF\"") && set(other, "\"a\xFE\"")) << LastError();
+    EXPECT_NE(mFacade.FirstDifference(other), HostString());
+    const auto mine = mFacade.GetValues()->front();
+    const auto theirs = other.GetValues()->front();
+    EXPECT_EQ(mine->ValueBytes(), "\"a\xFF\"");
+    EXPECT_EQ(mine->Value(), HostString("\"a\uFFFD\""));
+    EXPECT_EQ(mine->Value(), theirs->Value());
+    EXPECT_NE(mine->ValueBytes(), theirs->ValueBytes());
+    ASSERT_TRUE(set(other, mine->ValueBytes()));
+    EXPECT_TRUE(mFacade.FirstDifference(other).IsNull()) << "what was given can be set";
+
+    ASSERT_TRUE(set(mFacade, "[ 61 FF ]")) << "the writer of single values gives octets";
+    std::string text = "untouched";
+    EXPECT_FALSE(mFacade.GetValueBytes(mBt, MAX_ACL_LINKS, nullptr, LAYER, text));
+    EXPECT_EQ(text, "untouched");
+    ASSERT_TRUE(mFacade.GetValueBytes(mBt, LOCAL_NAME, nullptr, LAYER, text));
+    EXPECT_EQ(HostString(text), mFacade.GetValue(mBt, LOCAL_NAME, nullptr, LAYER));
 }
 
 TEST_F(SingleValues, DefaultsStandApartFromTheConfiguration) {

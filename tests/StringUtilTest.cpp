@@ -248,7 +248,7 @@ TYPED_TEST(StringUtil, TracesInItsOwnGroup) {
     const std::vector<std::string> expected = {
         "[103/0] -> stringutil::StringToInteger",
         "[103/2] stringutil::StringToInteger: Converted string \"0x10\" to integer \"16\"",
-        "[103/0] <- stringutil::StringToInteger",
+        "[103/0] <- stringutil::StringToInteger [returning true]",
         "[103/0] -> " + write,
         "[103/1] " + write + ": aNumberToDisplay=0x0000000a",
         "[103/1] " + write + ": aNumberOfDigits=3",
@@ -256,6 +256,47 @@ TYPED_TEST(StringUtil, TracesInItsOwnGroup) {
         "[103/0] <- " + write,
     };
     EXPECT_EQ(recorder.lines, expected);
+}
+
+TEST(StringUtilTrace, ShowsTheResultOfEachFunction) {
+    struct Watcher final : CMessageHandlerObserver {
+        Watcher() { CTheMsgHnd::AddObserver(*this); }
+        ~Watcher() override {
+            CTheMsgHnd::RemoveObserver(*this);
+            CTheMsgHnd::ActivateDebug(false);
+        }
+        void OnTrace(const std::string& line) override {
+            const std::size_t at = line.find("<-");
+            if (at != std::string::npos) exits += line.substr(at, line.rfind(" (") - at) + "\n";
+        }
+        std::string exits;
+    } watcher;
+    CTheMsgHnd::ActivateDebug(true);
+    std::int32_t number = 0;
+    std::map<std::string, std::string> map;
+    std::string trimmed = " a";
+    stringutil::TrimLeadingWhitespace(trimmed);
+    stringutil::ToUpper("ab");
+    stringutil::ToLower(L"AB");
+    stringutil::HexStrToInt("ff");
+    stringutil::OctStrToString("41 42");
+    stringutil::StringToOctStr("AB");
+    stringutil::OctetToOctetString("AB");
+    stringutil::StringToInteger("12", number);
+    stringutil::StringToInteger("x", number);
+    stringutil::PadString("a", '-', 3, true);
+    stringutil::StringToMap("a=1", '=', ';', map);
+    stringutil::IsValidHexString("zz", false);
+    EXPECT_EQ(watcher.exits,
+              "<- stringutil::TrimLeadingWhitespace\n<- stringutil::ToUpper [returning \"AB\"]\n"
+              "<- stringutil::ToLower [returning \"ab\"]\n<- stringutil::HexStrToInt [returning 255]\n"
+              "<- stringutil::OctStrToString [returning \"AB\"]\n"
+              "<- stringutil::StringToOctStr [returning \"4142\"]\n"
+              "<- stringutil::OctetToOctetString [returning \"4142\"]\n"
+              "<- stringutil::StringToInteger [returning true]\n"
+              "<- stringutil::StringToInteger [returning false]\n"
+              "<- stringutil::PadString [returning \"--a\"]\n<- stringutil::StringToMap [returning true]\n"
+              "<- stringutil::IsValidHexString [returning false]\n");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <locale>
+#include <tuple>
 
 namespace {
 
@@ -82,6 +83,28 @@ TEST(WriterDocument, SectionsNameTheirPlace) {
         writer.BeginSubsystem(place);
         writer.EndSubsystem(place);
         EXPECT_EQ(stream.str(), std::string("\n") + BANNER + row.heading + "\n");
+    }
+}
+
+/// Each brace of an array is what the provider says when it is due.
+TEST(WriterDocument, ArrayBracesAreAskedForOneByOne) {
+    MemoryProvider provider;
+    Record& key = provider.Key(3, "words", "uint16");
+    for (const auto& [open, close, text] : {std::tuple(true, true, "words = {0x07}\n"),
+                                            {true, false, "words = {0x07\n"},
+                                            {false, true, "words = 0x07}\n"},
+                                            {false, false, "words = 0x07\n"}}) {
+        std::ostringstream stream;
+        CKesWriter writer(&stream, &provider);
+        CKesContext context;
+        writer.BeginElement(context);
+        writer.WriteUid(3, context);
+        key.isArray = open;
+        CUint16Payload value(7);
+        value.Write(writer, context);
+        key.isArray = close;
+        writer.EndElement(context);
+        EXPECT_EQ(stream.str(), text);
     }
 }
 

@@ -60,7 +60,7 @@ int Run(const Globals& globals, const DefaultsOptions& options) {
     Table table({"SUBSYSTEM", "KEY", "VALUE"});
     for (const auto& value : values) {
         table.Add(
-            {Text(api::Subsystem::NameOf(value->SubsystemType())), KeyText(*value), Text(value->Value())});
+            {Text(api::Subsystem::NameOf(value->SubsystemType())), KeyText(*value), value->ValueBytes()});
     }
     table.Print(std::cout);
     return EXIT_FINE;

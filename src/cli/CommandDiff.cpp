@@ -48,16 +48,16 @@ std::vector<Difference> Compare(const Values& first, const Values& second) {
     for (const auto& key : first) {
         const auto other = others.find(Identity(*key));
         if (other == others.end()) {
-            differences.push_back({key, Text(key->Value()), std::nullopt});
+            differences.push_back({key, key->ValueBytes(), std::nullopt});
             continue;
         }
-        if (key->Value() != other->second->Value()) {
-            differences.push_back({key, Text(key->Value()), Text(other->second->Value())});
+        if (key->ValueBytes() != other->second->ValueBytes()) {
+            differences.push_back({key, key->ValueBytes(), other->second->ValueBytes()});
         }
         others.erase(other);
     }
     for (const auto& key : second) {
-        if (others.contains(Identity(*key))) differences.push_back({key, std::nullopt, Text(key->Value())});
+        if (others.contains(Identity(*key))) differences.push_back({key, std::nullopt, key->ValueBytes()});
     }
     return differences;
 }
@@ -66,20 +66,16 @@ std::vector<Difference> CompareWithDefaults(const Values& values) {
     std::vector<Difference> differences;
     for (const auto& key : values) {
         if (key->IsDefault()) continue;
-        std::optional<std::string> before;
-        if (!key->Default().IsNull()) before = Text(key->Default());
-        differences.push_back({key, before, Text(key->Value())});
+        differences.push_back({key, key->DefaultBytes(), key->ValueBytes()});
     }
     return differences;
 }
 
 Json ToRecord(const Difference& difference) {
-    const auto orNull = [](const std::optional<std::string>& text) { return text ? Json(*text) : Json(); };
-    Json record = ValueRecord(*difference.key);
-    for (const char* field : {"value", "default", "state"}) record.erase(field);
+    Json record = PlacedKeyRecord(*difference.key);
     record["change"] = difference.Kind();
-    record["before"] = orNull(difference.before);
-    record["after"] = orNull(difference.after);
+    AddBytes(record, "before", difference.before);
+    AddBytes(record, "after", difference.after);
     return record;
 }
 

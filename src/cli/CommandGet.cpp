@@ -90,7 +90,7 @@ private:
                 return value->SubsystemType() == candidate.subsystem->Type() &&
                        value->Psid() == candidate.psid && value->Indexes() == address.indexes;
             });
-            if (asked) return Text(value->Value());
+            if (asked) return value->ValueBytes();
         }
         return {};
     }

@@ -79,12 +79,12 @@ int RunList(const Globals& globals, const ListOptions& options) {
     if (listed.result != EXIT_FINE) return listed.result;
     if (!options.changed) {
         return Print(globals, listed, "list", {"STATE", "KEY", "VALUE"}, [](const api::KeyValue& key) {
-            return Cells{StateOf(key), KeyText(key), Text(key.Value())};
+            return Cells{StateOf(key), KeyText(key), key.ValueBytes()};
         });
     }
     std::erase_if(listed.values, [](const auto& key) { return key->IsDefault(); });
     return Print(globals, listed, "list", {"KEY", "DEFAULT", "VALUE"}, [](const api::KeyValue& key) {
-        return Cells{KeyText(key), key.Default().IsNull() ? "-" : Text(key.Default()), Text(key.Value())};
+        return Cells{KeyText(key), key.DefaultBytes().value_or("-"), key.ValueBytes()};
     });
 }
 
@@ -104,7 +104,7 @@ int RunRaw(const Globals& globals, const ListOptions& options) {
         return record == nullptr || (*record)->MetadataType() != api::MetadataTypes::Unknown;
     });
     return Print(globals, listed, "raw", {"KEY", "VALUE"}, [](const api::KeyValue& key) {
-        return std::vector<std::string>{KeyText(key), Text(key.Value())};
+        return std::vector<std::string>{KeyText(key), key.ValueBytes()};
     });
 }
 

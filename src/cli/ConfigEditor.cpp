@@ -73,7 +73,7 @@ EditTarget ConfigEditor::FindTarget(EditKind kind, const PlaceFilter& filter, co
     const auto values = FindValues(mLoader.Facade(), candidates, filter, address);
     if (kind == EditKind::Add && !values.empty()) {
         throw Failure(EXIT_FINDINGS, mName + ": " + address.text + " is there already, in " +
-                                         PlaceText(*values.front()) + ": " + Text(values.front()->Value()) +
+                                         PlaceText(*values.front()) + ": " + values.front()->ValueBytes() +
                                          "; \"kes set\" changes it");
     }
     if (values.size() > 1) FailNotUnique(address, values);
@@ -139,11 +139,11 @@ bool ConfigEditor::Change(EditKind kind, const EditTarget& target, const Assignm
     } else if (!TakesSingleValues(target.place)) {
         changed = ChangeByText(target, assignment);
     } else if (kind == EditKind::Add) {
-        changed =
-            facade.AddValue(target.subsystem, target.psid, indexes, device, store, LAYER, assignment.value);
+        changed = facade.AddValueBytes(target.subsystem, target.psid, indexes, device, store, LAYER,
+                                       assignment.value);
     } else {
-        changed =
-            facade.SetValue(target.subsystem, target.psid, indexes, device, store, LAYER, assignment.value);
+        changed = facade.SetValueBytes(target.subsystem, target.psid, indexes, device, store, LAYER,
+                                       assignment.value);
     }
     const std::string what = assignment.key.text + " = " + assignment.value + " is refused: ";
     if (changed && listener.Findings().empty()) return true;

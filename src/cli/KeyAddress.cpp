@@ -159,7 +159,7 @@ std::string KeyText(const api::KeyValue& key) {
 
 void FailNotUnique(const KeyAddress& address, const std::vector<std::shared_ptr<api::KeyValue>>& values) {
     std::string list;
-    for (const auto& value : values) list += "\n  " + PlaceText(*value) + ": " + Text(value->Value());
+    for (const auto& value : values) list += "\n  " + PlaceText(*value) + ": " + value->ValueBytes();
     throw Failure(EXIT_USAGE, address.text + " is in " + std::to_string(values.size()) +
                                   " places; choose one with --subsystem, --device and --store:" + list);
 }

@@ -26,6 +26,9 @@ public:
     void OnError(std::int16_t number, const std::string& text) override {
         mErrors.emplace_back(number, text);
     }
+    void OnErrorModified(std::int16_t number, const std::string& text) override {
+        if (!mErrors.empty()) mErrors.back() = {number, text};
+    }
     void OnStatus(std::int32_t /*level*/, const std::string& text) override { mStatuses.push_back(text); }
     void OnProgress(std::uint64_t bytes) override {
         if (mProgress) mProgress(bytes);

@@ -8,6 +8,8 @@
 #include "model/IMetadataProvider.h"
 
 #include <algorithm>
+#include <optional>
+#include <string>
 
 namespace VEMO::Kes::ConfigurationTools {
 
@@ -72,7 +74,9 @@ HostString FrameworkFacade::GetDefault(const SubsystemRef& subsystem, std::int32
     if (!CanWrite(KES_FACADE_FUNCTION("GetDefault")) || !subsystem) return nullptr;
     CKesContext context = QuestionContext(*subsystem, LayerIndexVals::Defaults);
     context.SetTag(STR_LAYER_FILTER, LayerIndexVals::Maximum);
-    return TextOf(mpDefaultChip->Element(indexedPsid(psId, indexes), context), context);
+    const std::optional<std::string> text =
+        TextOf(mpDefaultChip->Element(indexedPsid(psId, indexes), context), context);
+    return text ? HostString(*text) : HostString();
 }
 
 }  // namespace VEMO::Kes::ConfigurationTools

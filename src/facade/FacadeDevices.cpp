@@ -79,13 +79,13 @@ bool FrameworkFacade::LoadFromDeviceKesCrs(const HostString& connection, DeviceN
     } else {
         context.SetTag(STR_STORESET_FILTER, aFilter);
     }
-    if (!reader->Read(context)) return false;
-    if (!readAll && aFilter != DEVICE_TYPE_DEV_CFG) return true;
+    const bool good = reader->Read(context);
+    if (!readAll && aFilter != DEVICE_TYPE_DEV_CFG) return good;
 
     // What the firmware brings is what counts where the device says nothing: its defaults.
     reader->SetObserver(mpDefaultChip.get());
     context.SetTag(STR_STORESET_FILTER, DEVICE_TYPE_FW_CFG);
-    return reader->Read(context);
+    return good && reader->Read(context);
 }
 
 bool FrameworkFacade::SaveToDeviceOstrel(const HostString& connection, bool isMerging) {

@@ -8,7 +8,9 @@
 #include "model/IMetadata.h"
 #include "model/IMetadataProvider.h"
 
+#include <optional>
 #include <sstream>
+#include <string>
 #include <string_view>
 
 namespace VEMO::Kes::ConfigurationTools {
@@ -16,14 +18,14 @@ namespace VEMO::Kes::ConfigurationTools {
 using namespace VemoKesConfigTools;
 
 /// What stands behind "=" when the element is written in one line that reads back.
-HostString FrameworkFacade::LineValueOf(CElement& element, CKesContext& context) {
+std::string FrameworkFacade::LineValueOf(CElement& element, CKesContext& context) {
     constexpr std::string_view DELIMITER = " = ";
     EmptyBuffer();
     CRawKeysWriter writer(*mpBuffWriter, *mpProvider);
     element.Write(writer, context);
     const std::string text = mpBuffer->str();
     const std::size_t delimiter = text.find(DELIMITER);
-    if (delimiter == std::string::npos) return "";
+    if (delimiter == std::string::npos) return {};
     const std::size_t from = delimiter + DELIMITER.size();
     return text.substr(from, text.find_last_not_of('\n') + 1 - from);
 }
@@ -37,16 +39,15 @@ std::shared_ptr<KeyValue> FrameworkFacade::ValueOf(const CSubsystemConfig& place
     question.SetTag(STR_LAYER_FILTER, LayerIndexVals::Maximum);
     const CElement& byDefault = mpDefaultChip->Element(element.KeyString(), question);
     const IMetadata& metadata = mpProvider->MetadataByPsid(element.PsId(), context, false);
-    HostString value = LineValueOf(element, context);
-    HostString defaultValue;
+    std::string value = LineValueOf(element, context);
+    std::optional<std::string> defaultValue;
     if (byDefault.IsValid()) defaultValue = LineValueOf(const_cast<CElement&>(byDefault), context);
-    const bool isDefault = byDefault.IsValid() && value == defaultValue;
     const auto indices = element.Indices();
     return std::make_shared<KeyValue>(static_cast<SubsystemTypes>(context.SubsystemType()), context.Device(),
                                       context.Store(), static_cast<std::int32_t>(element.PsId()),
                                       metadata.IsValid() ? HostString(metadata.Name()) : HostString(),
                                       KeyValue::IndexList(indices.begin(), indices.end()), std::move(value),
-                                      std::move(defaultValue), isDefault);
+                                      std::move(defaultValue));
 }
 
 HostListRef<std::shared_ptr<KeyValue>> FrameworkFacade::ValuesOf(const CChipConfig& chip) {

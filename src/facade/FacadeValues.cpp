@@ -4,12 +4,15 @@
 #include "facade/FacadeSupport.h"
 #include "facade/FrameworkFacade.h"
 #include "model/CChipConfig.h"
+#include "model/CConfigTransaction.h"
 #include "model/CSubsystemConfig.h"
 #include "model/IConfigReader.h"
 #include "model/IConfigWriter.h"
 
 #include <algorithm>
+#include <optional>
 #include <sstream>
+#include <utility>
 
 namespace VEMO::Kes::ConfigurationTools {
 
@@ -71,15 +74,25 @@ bool FrameworkFacade::HasValue(const SubsystemRef& subsystem, std::int32_t psId,
 
 HostString FrameworkFacade::GetValue(const SubsystemRef& subsystem, std::int32_t psId,
                                      const IndexListRef& indexes, std::int32_t layer) {
-    if (!CanWrite(KES_FACADE_FUNCTION("GetValue")) || !subsystem) return nullptr;
+    std::string text;
+    return GetValueBytes(subsystem, psId, indexes, layer, text) ? HostString(text) : HostString();
+}
+
+bool FrameworkFacade::GetValueBytes(const SubsystemRef& subsystem, std::int32_t psId,
+                                    const IndexListRef& indexes, std::int32_t layer, std::string& text) {
+    if (!CanWrite(KES_FACADE_FUNCTION("GetValue")) || !subsystem) return false;
     CKesContext context = QuestionContext(*subsystem, layer);
-    return TextOf(mpFileChip->Element(indexedPsid(psId, indexes), context), context);
+    std::optional<std::string> found =
+        TextOf(mpFileChip->Element(indexedPsid(psId, indexes), context), context);
+    if (!found) return false;
+    text = std::move(*found);
+    return true;
 }
 
 /// An element as the writer gives it outside of a document; null for one that is not valid.
-HostString FrameworkFacade::TextOf(const CElement& element, CKesContext& context) {
+std::optional<std::string> FrameworkFacade::TextOf(const CElement& element, CKesContext& context) {
     EmptyBuffer();
-    if (!element.IsValid()) return nullptr;
+    if (!element.IsValid()) return std::nullopt;
     // Writing leaves an element as it is; its operation is not constant by contract.
     const_cast<CElement&>(element).Write(*mpBuffWriter, context);
     return mpBuffer->str();
@@ -88,18 +101,32 @@ HostString FrameworkFacade::TextOf(const CElement& element, CKesContext& context
 bool FrameworkFacade::SetValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                                std::int32_t device, std::int32_t store, std::int32_t layerIndex,
                                const HostString& value) {
-    return SetAddValue(subsystem, psId, indexes, device, store, layerIndex, value, /*add=*/false);
+    return SetAddValue(subsystem, psId, indexes, device, store, layerIndex, Framework::GetString(value),
+                       /*add=*/false);
 }
 
 bool FrameworkFacade::AddValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                                std::int32_t device, std::int32_t store, std::int32_t layerIndex,
                                const HostString& value) {
+    return SetAddValue(subsystem, psId, indexes, device, store, layerIndex, Framework::GetString(value),
+                       /*add=*/true);
+}
+
+bool FrameworkFacade::SetValueBytes(const SubsystemRef& subsystem, std::int32_t psId,
+                                    const IndexListRef& indexes, std::int32_t device, std::int32_t store,
+                                    std::int32_t layerIndex, const std::string& value) {
+    return SetAddValue(subsystem, psId, indexes, device, store, layerIndex, value, /*add=*/false);
+}
+
+bool FrameworkFacade::AddValueBytes(const SubsystemRef& subsystem, std::int32_t psId,
+                                    const IndexListRef& indexes, std::int32_t device, std::int32_t store,
+                                    std::int32_t layerIndex, const std::string& value) {
     return SetAddValue(subsystem, psId, indexes, device, store, layerIndex, value, /*add=*/true);
 }
 
 bool FrameworkFacade::SetAddValue(const SubsystemRef& subsystem, std::int32_t psId,
                                   const IndexListRef& indexes, std::int32_t device, std::int32_t store,
-                                  std::int32_t layerIndex, const HostString& value, bool add) {
+                                  std::int32_t layerIndex, const std::string& value, bool add) {
     constexpr const char* FUNCTION = KES_FACADE_FUNCTION("SetAddValue");
     if (layerIndex <= LayerIndexVals::Defaults || !subsystem) return false;
     if (!CanRead(FUNCTION)) return false;
@@ -118,9 +145,12 @@ bool FrameworkFacade::SetAddValue(const SubsystemRef& subsystem, std::int32_t ps
         text.append("subsystem=").append(name).append("\ndevice=").append(word);
         text.append("\nstore=").append(std::to_string(store)).append("\n");
     }
-    text.append(indexedPsid(psId, indexes)).append("=").append(Framework::GetString(value)).append("\n");
+    text.append(indexedPsid(psId, indexes)).append("=").append(value).append("\n");
     mpBuffer->str(std::move(text));
-    return mpTextReader->Read(context);
+    CConfigTransaction change(*mpFileChip);
+    if (!mpTextReader->Read(context)) return false;
+    change.Commit();
+    return true;
 }
 
 bool FrameworkFacade::RemoveValue(const SubsystemRef& subsystem, std::int32_t psId,

@@ -32,13 +32,16 @@ FrameworkFacade::FrameworkFacade(const HostString& dbName) {
 
     mpBuffWriter.reset(factory.CreateWriter(KESTEXT.name, "", stream));
     if (mpBuffWriter) mpBuffWriter->SetMetadataProvider(mpProvider.get());
-    mpTextReader.reset(factory.CreateReader(KESTEXT.name, "", stream));
-    mpBinaryReader.reset(factory.CreateReader(PACKINT.name, "", stream));
-    for (IConfigReader* reader : {mpTextReader.get(), mpBinaryReader.get()}) {
-        if (reader == nullptr) continue;
-        reader->SetMetadataProvider(mpProvider.get());
-        reader->SetObserver(mpFileChip.get());
-    }
+    const auto makeReader = [&](const PluginWords& plugin) {
+        std::unique_ptr<IConfigReader> reader(factory.CreateReader(plugin.name, "", stream));
+        if (reader) {
+            reader->SetMetadataProvider(mpProvider.get());
+            reader->SetObserver(mpFileChip.get());
+        }
+        return reader;
+    };
+    mpTextReader = makeReader(KESTEXT);
+    mpBinaryReader = makeReader(PACKINT);
 
     if (!mpProvider) Fail(FUNCTION, ERROR_PLUGIN, NO_PROVIDER);
     if (!mpBuffWriter || !mpTextReader) Fail(FUNCTION, ERROR_PLUGIN, KESTEXT.absent);
@@ -106,7 +109,7 @@ bool FrameworkFacade::SaveText(const HostString& filePath) { return SaveText(fil
 bool FrameworkFacade::SaveText(const HostString& filePath, const TextForm& form) {
     constexpr const char* FUNCTION = KES_FACADE_FUNCTION("SaveText");
     const std::unique_ptr<IConfigWriter> writer = BeginSave(FUNCTION, KESTEXT, filePath, nullptr);
-    return writer && WriteText(*writer, form);
+    return writer && WriteText(FUNCTION, *writer, form);
 }
 
 bool FrameworkFacade::SaveTextToMemory(std::string& text, const TextForm& form) {
@@ -114,16 +117,18 @@ bool FrameworkFacade::SaveTextToMemory(std::string& text, const TextForm& form) 
     std::stringstream out;
     std::iostream* const stream = &out;
     const std::unique_ptr<IConfigWriter> writer = BeginSave(FUNCTION, KESTEXT, "", stream);
-    if (!writer || !WriteText(*writer, form)) return false;
+    if (!writer || !WriteText(FUNCTION, *writer, form)) return false;
     text = std::move(out).str();
     return true;
 }
 
-bool FrameworkFacade::WriteText(IConfigWriter& writer, const TextForm& form) {
+bool FrameworkFacade::WriteText(const char* function, IConfigWriter& writer, const TextForm& form) {
     CKesContext context = FileContext(*mOwningChip);
     if (form.simple) context.SetTag(STR_TXT_SIMPLE_MODE, STR_TRUE);
+    if (!form.readsBack) return mpFileChip->Write(writer, context);
     CRawKeysWriter front(writer, *mpProvider);
-    return mpFileChip->Write(form.readsBack ? front : writer, context);
+    if (!mpFileChip->Write(front, context)) return false;
+    return !front.Fault() || Fail(function, ERROR_DATA, front.Fault()->c_str());
 }
 
 HostString FrameworkFacade::FirstDifference(const FrameworkFacade& other) const {

@@ -14,6 +14,7 @@
 #include <functional>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,7 +38,8 @@ struct TextForm {
     bool simple = false;
     /// Every value is written in a form that reads back and that its metadata asks for: keys that the
     /// metadata does not know and values that were given raw come out raw, texts quoted, MAC addresses as
-    /// such.
+    /// such. A save of what has no such form fails with a message that names the key: an index above
+    /// 2147483647, a raw value with braces, names or numbers below 0.
     bool readsBack = false;
 };
 
@@ -157,20 +159,32 @@ public:
     bool HasValue(const SubsystemRef& subsystem, std::int32_t psId, std::int32_t layer,
                   const IndexListRef& indexes) const;
     /// A key as the lines of a text: its label in a comment, name, " = " and value, newline. Null for a key
-    /// that is not there; a default is no value. Of several places the one met last counts. `GetValues` has
-    /// the value alone.
+    /// that is not there; a default is no value. Of several places the one in which this key was written last
+    /// counts. `GetValues` has the value alone.
     HostString GetValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                         std::int32_t layer);
+    /// The same in the bytes that a text has, which need not be UTF-8: `GetValue` shows U+FFFD for those.
+    /// False for a key that is not there; `text` is then left alone.
+    bool GetValueBytes(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
+                       std::int32_t layer, std::string& text);
     /// Sets a key, which replaces all that the place holds of it. `device` is otp, smem, mtp or eeprom; on
     /// eeprom `store` is 1 to 15. `value` is what a text has behind "=": an empty one removes the key, and
-    /// what follows a newline in it is a line of its own. A refused line changes nothing; the place in its
-    /// message is that in a text made for the purpose. A layer of 0 or less is refused without a message.
+    /// what follows a newline in it is a line of its own. When any of the lines is refused, nothing changes;
+    /// the place in the message is that in a text made for the purpose. A place that a good call left without
+    /// keys stays only if it was there before. A layer of 0 or less is refused without a message.
     bool SetValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                   std::int32_t device, std::int32_t store, std::int32_t layerIndex, const HostString& value);
     /// The same, but the key goes behind those that the place holds of it. An empty value adds a key without
     /// a value.
     bool AddValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                   std::int32_t device, std::int32_t store, std::int32_t layerIndex, const HostString& value);
+    /// `SetValue` and `AddValue` with the bytes of a text as value.
+    bool SetValueBytes(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
+                       std::int32_t device, std::int32_t store, std::int32_t layerIndex,
+                       const std::string& value);
+    bool AddValueBytes(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
+                       std::int32_t device, std::int32_t store, std::int32_t layerIndex,
+                       const std::string& value);
     /// Removes a key from one place, of any device; also one that the metadata does not know. False when it
     /// is not there.
     bool RemoveValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
@@ -226,11 +240,12 @@ private:
                                                                  const HostString& target, void* argument);
     bool SetAddValue(const SubsystemRef& subsystem, std::int32_t psId, const IndexListRef& indexes,
                      std::int32_t device, std::int32_t store, std::int32_t layerIndex,
-                     const HostString& value, bool add);
+                     const std::string& value, bool add);
     static std::string indexedPsid(std::int32_t psId, const IndexListRef& indexes);
     VemoKesConfigTools::CKesContext QuestionContext(const Subsystem& subsystem, std::int32_t layer) const;
-    HostString TextOf(const VemoKesConfigTools::CElement& element, VemoKesConfigTools::CKesContext& context);
-    HostString LineValueOf(VemoKesConfigTools::CElement& element, VemoKesConfigTools::CKesContext& context);
+    std::optional<std::string> TextOf(const VemoKesConfigTools::CElement& element,
+                                      VemoKesConfigTools::CKesContext& context);
+    std::string LineValueOf(VemoKesConfigTools::CElement& element, VemoKesConfigTools::CKesContext& context);
     std::shared_ptr<KeyValue> ValueOf(const VemoKesConfigTools::CSubsystemConfig& place,
                                       VemoKesConfigTools::CElement& element);
     HostListRef<std::shared_ptr<KeyValue>> ValuesOf(const VemoKesConfigTools::CChipConfig& chip);
@@ -238,7 +253,7 @@ private:
     bool FillBuffer(const char* function, const std::function<std::string()>& read);
     bool BeginBinaryLoad(const char* function, bool merge);
     bool ReadChunk(const std::string& name);
-    bool WriteText(VemoKesConfigTools::IConfigWriter& writer, const TextForm& form);
+    bool WriteText(const char* function, VemoKesConfigTools::IConfigWriter& writer, const TextForm& form);
 
     std::unique_ptr<VemoKesConfigTools::CChipConfig> mpFileChip;     ///< the configuration under work
     std::unique_ptr<VemoKesConfigTools::CChipConfig> mpDefaultChip;  ///< the default values

@@ -22,6 +22,10 @@ bool CMessageHandler::SetErrorMsg(std::int16_t number, const std::string& text) 
         const std::lock_guard lock(store.mutex);
         store.errors.push_back({number, text, mGroup});
         ++store.errorsEver;
+        if (store.errors.size() > MessageStore::MOST_ERRORS) {
+            store.errors.pop_front();
+            ++store.errorsDropped;
+        }
     }
     store.ForEachObserver([&](CMessageHandlerObserver& observer) { observer.OnError(number, text); });
     return true;
@@ -29,11 +33,17 @@ bool CMessageHandler::SetErrorMsg(std::int16_t number, const std::string& text) 
 
 bool CMessageHandler::ModifyErrorMsg(std::int16_t number, const std::string& text, GroupEnum /*group*/) {
     MessageStore& store = MessageStore::Instance();
-    const std::lock_guard lock(store.mutex);
-    if (store.errors.empty()) return false;
-    MessageStore::Error& newest = store.errors.back();
-    newest.number = number;
-    newest.text = text + ": " + newest.text;
+    std::string modified;
+    {
+        const std::lock_guard lock(store.mutex);
+        if (store.errors.empty()) return false;
+        MessageStore::Error& newest = store.errors.back();
+        newest.number = number;
+        newest.text = text + ": " + newest.text;
+        modified = newest.text;
+    }
+    store.ForEachObserver(
+        [&](CMessageHandlerObserver& observer) { observer.OnErrorModified(number, modified); });
     return true;
 }
 
@@ -58,6 +68,7 @@ void CMessageHandler::ClearError(GroupEnum /*group*/) {
     MessageStore& store = MessageStore::Instance();
     const std::lock_guard lock(store.mutex);
     store.errors.clear();
+    store.errorsDropped = 0;
 }
 
 void CMessageHandler::NotifyStatus(StatusLevels level, const std::string& text) {

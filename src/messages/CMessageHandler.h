@@ -32,9 +32,11 @@ public:
     CMessageHandler(const CMessageHandler&) = delete;
     CMessageHandler& operator=(const CMessageHandler&) = delete;
 
-    /// Stores an error. Number 0 speaks of data or an argument, number 1 of a missing plug-in or capability.
+    /// Stores an error, in place of the oldest once 1,000 are stored. Number 0 speaks of data or an argument,
+    /// number 1 of a missing plug-in or capability.
     bool SetErrorMsg(std::int16_t number, const std::string& text);
-    /// Rewrites the newest error to `TEXT: OLD TEXT` under the new number. False when none is stored.
+    /// Rewrites the newest error to `TEXT: OLD TEXT` under the new number; observers are told. False when
+    /// none is stored.
     bool ModifyErrorMsg(std::int16_t number, const std::string& text, GroupEnum group);
     /// Whether any error is stored, of whatever group. The arguments do not narrow the question.
     bool IsErrorSet(GroupEnum group, bool all) const;

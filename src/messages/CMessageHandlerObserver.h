@@ -24,7 +24,8 @@ struct TextFinding {
 
 /// Watches the message service. Derive, override what is of interest, and hand the object to
 /// `CTheMsgHnd::AddObserver`. Not owned by the service; remove it before it goes. Operations are called on
-/// the thread that reports, and must not report themselves.
+/// the thread that reports, on several at a time if several report, and must not report themselves. An
+/// operation may remove its own observer.
 class KES_API CMessageHandlerObserver {
 public:
     CMessageHandlerObserver() = default;
@@ -42,6 +43,8 @@ public:
     virtual void OnTrace(const std::string& /*line*/) {}
     /// How far the reading of a text has come, now and then: about once per MiB.
     virtual void OnProgress(std::uint64_t /*bytes*/) {}
+    /// The newest error was rewritten: it is the one that `OnError` told last, now with this number and text.
+    virtual void OnErrorModified(std::int16_t /*number*/, const std::string& /*text*/) {}
 };
 
 }  // namespace VemoKesConfigTools

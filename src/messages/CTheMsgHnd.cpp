@@ -8,11 +8,6 @@ namespace VemoKesConfigTools {
 
 std::atomic<bool> CTheMsgHnd::sDebugActivated{false};
 
-MessageStore& MessageStore::Instance() {
-    static MessageStore store;
-    return store;
-}
-
 CTheMsgHnd& CTheMsgHnd::Instance() {
     static CTheMsgHnd instance;
     return instance;
@@ -40,6 +35,16 @@ std::uint64_t CTheMsgHnd::ErrorsEver() {
     return store.errorsEver;
 }
 
+std::vector<std::string> CTheMsgHnd::KeptErrors(std::uint64_t& dropped) {
+    MessageStore& store = MessageStore::Instance();
+    const std::lock_guard lock(store.mutex);
+    dropped = store.errorsDropped;
+    std::vector<std::string> texts;
+    texts.reserve(store.errors.size());
+    for (const MessageStore::Error& error : store.errors) texts.push_back(error.text);
+    return texts;
+}
+
 void CTheMsgHnd::AddObserver(CMessageHandlerObserver& observer) {
     MessageStore& store = MessageStore::Instance();
     const std::lock_guard lock(store.mutex);
@@ -49,9 +54,7 @@ void CTheMsgHnd::AddObserver(CMessageHandlerObserver& observer) {
 }
 
 void CTheMsgHnd::RemoveObserver(CMessageHandlerObserver& observer) {
-    MessageStore& store = MessageStore::Instance();
-    const std::lock_guard lock(store.mutex);
-    std::erase(store.observers, &observer);
+    MessageStore::Instance().Remove(observer);
 }
 
 }  // namespace VemoKesConfigTools

@@ -5,6 +5,8 @@
 
 #include <atomic>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace VemoKesConfigTools {
 
@@ -27,8 +29,16 @@ public:
     /// an operation between them stored any.
     static std::uint64_t ErrorsEver();
 
+    /// The texts of the stored errors, the newest last. Only the newest 1,000 are kept; `dropped` is how many
+    /// older ones there were since the last clearing.
+    static std::vector<std::string> KeptErrors(std::uint64_t& dropped);
+
     /// Adds an observer, not owned. An observer that is there already is not added again.
     static void AddObserver(CMessageHandlerObserver& observer);
+    /// Removes an observer, after which it is not called any more: a call that is running on another thread
+    /// is waited for. It may be called from within a call of the observer itself, which then goes on. Do not
+    /// hold a lock that an operation of the observer takes, and do not let two observers remove each other
+    /// from within their calls. Also works while the process ends.
     static void RemoveObserver(CMessageHandlerObserver& observer);
 
     CTheMsgHnd(const CTheMsgHnd&) = delete;

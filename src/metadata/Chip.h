@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/HostString.h"
+#include "metadata/RecordTrace.h"
 
 #include <any>
 #include <cstdint>
@@ -23,7 +24,9 @@ public:
           mSystemVersionLabel(std::move(systemVersionLabel)),
           mSystemDescription(std::move(systemDescription)),
           mSystemVersion(std::move(systemVersion)),
-          mBuildDate(std::move(buildDate)) {}
+          mBuildDate(std::move(buildDate)) {
+        TraceRecord("VEMO::Kes::ConfigurationTools::Chip::Chip");
+    }
 
     const HostString& Name() const { return mName; }
     std::uint16_t ChipId() const { return mChipId; }

@@ -4,6 +4,8 @@
 #include "metadata/Enumerations.h"
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -15,7 +17,7 @@ public:
     using IndexList = std::vector<std::int32_t>;
 
     KeyValue(SubsystemTypes subsystem, std::int32_t device, std::int32_t store, std::int32_t psid,
-             HostString name, IndexList indexes, HostString value, HostString defaultValue, bool isDefault)
+             HostString name, IndexList indexes, std::string value, std::optional<std::string> defaultValue)
         : mSubsystem(subsystem),
           mDevice(device),
           mStore(store),
@@ -23,8 +25,7 @@ public:
           mName(std::move(name)),
           mIndexes(std::move(indexes)),
           mValue(std::move(value)),
-          mDefault(std::move(defaultValue)),
-          mIsDefault(isDefault) {}
+          mDefault(std::move(defaultValue)) {}
 
     SubsystemTypes SubsystemType() const { return mSubsystem; }
     /// A value of `DeviceNvsTypes`.
@@ -36,11 +37,14 @@ public:
     const HostString& Name() const { return mName; }
     const IndexList& Indexes() const { return mIndexes; }
     /// The value in one line, in a form that reads back; empty for a key without a value.
-    const HostString& Value() const { return mValue; }
+    HostString Value() const { return mValue; }
+    /// The same in the bytes that a text has. Where these are no UTF-8, `Value` shows U+FFFD.
+    const std::string& ValueBytes() const { return mValue; }
     /// The default in the same form; null for a key without one, and while none have been loaded.
-    const HostString& Default() const { return mDefault; }
-    /// Whether value and default are equal.
-    bool IsDefault() const { return mIsDefault; }
+    HostString Default() const { return mDefault ? HostString(*mDefault) : HostString(); }
+    const std::optional<std::string>& DefaultBytes() const { return mDefault; }
+    /// Whether value and default are equal, byte for byte.
+    bool IsDefault() const { return mDefault == mValue; }
 
 private:
     SubsystemTypes mSubsystem;
@@ -49,9 +53,8 @@ private:
     std::int32_t mPsid;
     HostString mName;
     IndexList mIndexes;
-    HostString mValue;
-    HostString mDefault;
-    bool mIsDefault;
+    std::string mValue;
+    std::optional<std::string> mDefault;
 };
 
 }  // namespace VEMO::Kes::ConfigurationTools

@@ -1,5 +1,6 @@
 #include "metadata/Metadata.h"
 
+#include "metadata/RecordTrace.h"
 #include "model/Words.h"
 
 namespace VEMO::Kes::ConfigurationTools {
@@ -49,6 +50,7 @@ Metadata::Metadata(std::int32_t uid, std::int32_t psid, HostString name, HostStr
       mSourceReference(std::move(sourceReference)),
       mUnits(std::move(units)),
       mNumIndexes(numIndexes) {
+    TraceRecord("VEMO::Kes::ConfigurationTools::Metadata::Metadata");
     if (numIndexes != 0) mTableIndexes = std::make_shared<std::vector<std::shared_ptr<TableIndex>>>();
 }
 

@@ -2,6 +2,7 @@
 
 #include "host/HostCollections.h"
 #include "host/HostString.h"
+#include "metadata/RecordTrace.h"
 #include "metadata/StructField.h"
 
 #include <cstdint>
@@ -19,7 +20,9 @@ public:
     explicit MetadataDetails(HostString enumStructTypeName)
         : mEnumStructType(std::move(enumStructTypeName)),
           mEnums(std::make_shared<HostMap<HostString, std::int32_t>>()),
-          mStructFields(std::make_shared<std::vector<std::shared_ptr<StructField>>>()) {}
+          mStructFields(std::make_shared<std::vector<std::shared_ptr<StructField>>>()) {
+        TraceRecord("VEMO::Kes::ConfigurationTools::MetadataDetails::MetadataDetails");
+    }
 
     /// Name of the enum or struct type; empty for a simple key.
     const HostString& EnumStructTypeName() const { return mEnumStructType; }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "metadata/RecordTrace.h"
+
 #include <cstdint>
 
 namespace VEMO::Kes::ConfigurationTools {
@@ -10,14 +12,16 @@ public:
     /// The free size of a store that nobody knows.
     static constexpr std::int32_t INVALID_STORE_SIZE = -1;
 
-    Store() = default;
+    Store() : Store(0, 0, 0, INVALID_STORE_SIZE, false) {}
     Store(std::uint16_t deviceId, std::uint16_t storeId, std::uint32_t storeSize, std::int32_t storeFreeSize,
           bool paired)
         : mDeviceId(deviceId),
           mStoreId(storeId),
           mStoreSize(storeSize),
           mStoreFreeSize(storeFreeSize),
-          mPaired(paired) {}
+          mPaired(paired) {
+        TraceRecord("VEMO::Kes::ConfigurationTools::Store::Store");
+    }
 
     /// A value of `DeviceNvsTypes`.
     std::uint16_t DeviceId() const { return mDeviceId; }
@@ -29,11 +33,11 @@ public:
     bool Paired() const { return mPaired; }
 
 private:
-    std::uint16_t mDeviceId = 0;
-    std::uint16_t mStoreId = 0;
-    std::uint32_t mStoreSize = 0;
-    std::int32_t mStoreFreeSize = INVALID_STORE_SIZE;
-    bool mPaired = false;
+    std::uint16_t mDeviceId;
+    std::uint16_t mStoreId;
+    std::uint32_t mStoreSize;
+    std::int32_t mStoreFreeSize;
+    bool mPaired;
 };
 
 }  // namespace VEMO::Kes::ConfigurationTools

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "metadata/RecordTrace.h"
+
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -12,7 +14,9 @@ class Metadata;
 class StructField {
 public:
     StructField(std::shared_ptr<Metadata> metadata, std::int32_t elemLsbBitPos, std::int32_t elemBitWidth)
-        : mData(std::move(metadata)), mElemLsbBitPos(elemLsbBitPos), mElemBitWidth(elemBitWidth) {}
+        : mData(std::move(metadata)), mElemLsbBitPos(elemLsbBitPos), mElemBitWidth(elemBitWidth) {
+        TraceRecord("VEMO::Kes::ConfigurationTools::StructField::StructField");
+    }
 
     /// The field's own record.
     const std::shared_ptr<Metadata>& MetaData() const { return mData; }

@@ -1,6 +1,7 @@
 #include "metadata/Subsystem.h"
 
 #include "messages/CTheMsgHnd.h"
+#include "metadata/RecordTrace.h"
 #include "model/SubsystemNames.h"
 
 #include <string>
@@ -39,8 +40,9 @@ Subsystem::Subsystem(HostString name, HostString version, HostString alias, Host
       mDescription(std::move(description)),
       mBuildDate(std::move(buildDate)),
       mType(TypeOf(mName)) {
+    constexpr const char* FUNCTION = "VEMO::Kes::ConfigurationTools::Subsystem::Subsystem";
+    TraceRecord(FUNCTION);
     if (mType == SUBSYSTEM_TYPE_NONE && !mName.IsNullOrEmpty() && CTheMsgHnd::DebugActivated()) {
-        constexpr const char* FUNCTION = "VEMO::Kes::ConfigurationTools::Subsystem::Subsystem";
         CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_MANAGED_API, FUNCTION, false)
             .DebugOutputInHandler(1, false, false, FUNCTION, __FILE__, __LINE__, "Unknown subsystem");
     }

@@ -2,6 +2,7 @@
 
 #include "host/HostCollections.h"
 #include "host/HostString.h"
+#include "metadata/RecordTrace.h"
 
 #include <cstdint>
 #include <utility>
@@ -14,7 +15,9 @@ public:
     enum IndexTypeEnum : std::int32_t { INDEX_TYPE_INT = 0, INDEX_TYPE_ENUM = 1 };
 
     TableIndex(HostString name, std::uint32_t minimum, std::uint32_t maximum, IndexTypeEnum type)
-        : mName(std::move(name)), mMinimum(minimum), mMaximum(maximum), mType(type) {}
+        : mName(std::move(name)), mMinimum(minimum), mMaximum(maximum), mType(type) {
+        TraceRecord("VEMO::Kes::ConfigurationTools::TableIndex::TableIndex");
+    }
 
     const HostString& Name() const { return mName; }
     std::uint32_t Min() const { return mMinimum; }

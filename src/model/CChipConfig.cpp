@@ -1,13 +1,15 @@
 #include "model/CChipConfig.h"
 
 #include "messages/CTheMsgHnd.h"
+#include "model/CChangeLog.h"
 #include "model/CStoreInfo.h"
 #include "model/CSubsystemConfig.h"
 #include "model/IConfigReader.h"
 #include "model/IConfigWriter.h"
-#include "model/SubsystemNames.h"
+#include "model/PlaceWords.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <iterator>
 #include <typeinfo>
@@ -32,13 +34,21 @@ const CKesContext& AsKesContext(const IConfigContext& context, CKesContext& spar
     return spare;
 }
 
+/// The highest layer that the filter lets in, -1 without one.
+std::int32_t FilterOf(const CKesContext& question) {
+    const std::string text = question.GetTag(STR_LAYER_FILTER);
+    std::int32_t filter = -1;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), filter);
+    return error == std::errc() && end == text.data() + text.size() ? filter : -1;
+}
+
 /// Which layers a question takes.
 struct LayerQuestion {
     std::optional<std::int32_t> layer;
     std::int32_t filter = -1;
 
     bool Takes(std::optional<std::int32_t> place) const {
-        if (!layer) return place != LAYER_DEFAULTS;
+        if (!layer) return place != LAYER_DEFAULTS || filter >= LAYER_DEFAULTS;
         if (!place) return *layer > LAYER_DEFAULTS || filter > LAYER_DEFAULTS;
         if (*place == *layer || *place <= filter) return true;
         return *layer == LAYER_ALL_COMBINED && *place > LAYER_DEFAULTS && *place <= LAYER_MAXIMUM;
@@ -60,6 +70,10 @@ int DeviceRank(const CStoreInfo& store) {
     }
 }
 
+bool SameStore(const CStoreInfo& left, const CStoreInfo& right) {
+    return left.DeviceId() == right.DeviceId() && left.StoreId() == right.StoreId();
+}
+
 }  // namespace
 
 std::size_t CChipConfig::PlaceHash::operator()(const PlaceKey& key) const noexcept {
@@ -70,7 +84,7 @@ std::size_t CChipConfig::PlaceHash::operator()(const PlaceKey& key) const noexce
     return static_cast<std::size_t>(hash ^ (hash >> 32U));
 }
 
-CChipConfig::CChipConfig() = default;
+CChipConfig::CChipConfig() : mpLog(std::make_unique<CChangeLog>()) {}
 
 CChipConfig::~CChipConfig() { ClearStoreList(mStores); }
 
@@ -85,15 +99,20 @@ void CChipConfig::OnSubsystemCompleted(IConfigReader& /*reader*/, IConfigContext
 void CChipConfig::OnReadEnded(IConfigReader& reader, IConfigContext& context) {
     auto* manager = dynamic_cast<IStoreManager*>(&reader);
     if (manager == nullptr) return;
+    if (mpLog->IsOpen() && !mpLog->storesBefore) {
+        std::vector<CStoreInfo>& before = mpLog->storesBefore.emplace();
+        for (const CStoreInfo* store : mStores) before.push_back(*store);
+    }
     std::list<CStoreInfo*> stores;
     for (const CStoreInfo* store : manager->GetStoresInfo(context)) stores.push_back(new CStoreInfo(*store));
     const std::size_t met = stores.size();
     std::erase_if(mStores, [&](CStoreInfo* known) {
-        const bool again = std::ranges::any_of(stores, [&](const CStoreInfo* store) {
-            return store->DeviceId() == known->DeviceId() && store->StoreId() == known->StoreId();
-        });
-        if (again) delete known;
-        return again;
+        const auto again =
+            std::ranges::find_if(stores, [&](const CStoreInfo* store) { return SameStore(*store, *known); });
+        if (again == stores.end()) return false;
+        (*again)->FillFrom(*known);
+        delete known;
+        return true;
     });
     stores.splice(stores.end(), mStores);
     const auto comesBefore = [](const CStoreInfo* left, const CStoreInfo* right) {
@@ -119,16 +138,60 @@ CSubsystemConfig& CChipConfig::PlaceOf(IConfigContext& context) {
 
     std::unique_ptr<CSubsystemConfig>& entry = mPlaces[key];
     if (!entry) {
-        entry = std::make_unique<CSubsystemConfig>(place);
+        entry = std::make_unique<CSubsystemConfig>(place, mpLog.get());
+        const std::size_t before = mSubsystems.empty() ? 0 : std::stoul(mSubsystems.rbegin()->first) + 1;
         char number[16];
-        std::snprintf(number, sizeof number, "%010zu", mPlacesInOrder.size());
-        mSubsystems.emplace(number, entry.get());
+        std::snprintf(number, sizeof number, "%010zu", before);
+        mSubsystems.emplace_hint(mSubsystems.end(), number, entry.get());
         mPlacesByType[key.type].push_back(entry.get());
         mPlacesInOrder.push_back(entry.get());
+        if (mpLog->IsOpen()) mpLog->newPlaces.push_back(entry.get());
     }
     mLastKey = key;
     mpLastPlace = entry.get();
     return *entry;
+}
+
+void CChipConfig::BeginTransaction() { mpLog->Open(); }
+
+void CChipConfig::EndTransaction(bool keep) {
+    if (!keep) mpLog->UndoKeys();
+    bool removed = false;
+    for (const CSubsystemConfig* place : mpLog->newPlaces) {
+        if (!place->Elements().empty()) continue;
+        RemovePlace(*place);
+        removed = true;
+    }
+    if (mpLog->storesBefore && !keep) {
+        ClearStoreList(mStores);
+        for (const CStoreInfo& store : *mpLog->storesBefore) mStores.push_back(new CStoreInfo(store));
+    } else if (mpLog->storesBefore && removed) {
+        std::erase_if(mStores, [&](const CStoreInfo* store) {
+            const bool known = std::ranges::any_of(
+                *mpLog->storesBefore, [&](const CStoreInfo& other) { return SameStore(other, *store); });
+            if (known || HasPlaceOn(*store)) return false;
+            delete store;
+            return true;
+        });
+    }
+    mpLog->Close();
+}
+
+void CChipConfig::RemovePlace(const CSubsystemConfig& place) {
+    if (mpLastPlace == &place) mpLastPlace = nullptr;
+    const PlaceKey key = KeyOf(place.Place());
+    const auto sameType = mPlacesByType.find(key.type);
+    std::erase(sameType->second, &place);
+    if (sameType->second.empty()) mPlacesByType.erase(sameType);
+    std::erase(mPlacesInOrder, &place);
+    std::erase_if(mSubsystems, [&](const auto& entry) { return entry.second == &place; });
+    mPlaces.erase(key);
+}
+
+bool CChipConfig::HasPlaceOn(const CStoreInfo& store) const {
+    return std::ranges::any_of(mPlacesInOrder, [&](const CSubsystemConfig* place) {
+        return place->Place().Device() == store.DeviceId() && place->Place().Store() == store.StoreId();
+    });
 }
 
 bool CChipConfig::Write(IConfigWriter& writer, IConfigContext& context) {
@@ -173,25 +236,20 @@ const CElement& CChipConfig::Look(std::uint32_t psid, std::span<const std::uint3
                                   IConfigContext& context) const {
     CKesContext spare;
     const CKesContext& question = AsKesContext(context, spare);
-    LayerQuestion layers{question.LayerNumber()};
-    if (const std::string filter = question.GetTag(STR_LAYER_FILTER); !filter.empty()) {
-        for (std::int32_t layer = LAYER_DEFAULTS; layer <= LAYER_ALL_COMBINED; ++layer) {
-            if (question.TagMatches(STR_LAYER_FILTER, layer)) layers.filter = layer;
-        }
-    }
-    const CElement* fallback = &mNotFound;
-    const Places& places = PlacesFor(question);
-    for (auto candidate = places.rbegin(); candidate != places.rend(); ++candidate) {
-        const CKesContext& place = (*candidate)->Place();
+    const LayerQuestion layers{question.LayerNumber(), FilterOf(question)};
+    const CElement* newest = &mNotFound;
+    const CElement* newestDefault = &mNotFound;
+    for (const CSubsystemConfig* candidate : PlacesFor(question)) {
+        const CKesContext& place = candidate->Place();
         if (!layers.Takes(place.LayerNumber())) continue;
         if (question.HasDevice() && question.Device() != place.Device()) continue;
         if (question.HasStore() && question.Store() != place.Store()) continue;
-        const CElement* element = (*candidate)->Find(psid, indices);
+        const CElement* element = candidate->Find(psid, indices);
         if (element == nullptr) continue;
-        if (place.LayerNumber() != LAYER_DEFAULTS) return *element;
-        if (fallback == &mNotFound) fallback = element;
+        const CElement*& best = place.LayerNumber() == LAYER_DEFAULTS ? newestDefault : newest;
+        if (element->WriteNumber() > best->WriteNumber()) best = element;
     }
-    return *fallback;
+    return newest->IsValid() ? *newest : *newestDefault;
 }
 
 void CChipConfig::PrepareForChip(std::uint16_t chipId) {
@@ -211,11 +269,7 @@ void CChipConfig::Clear() {
 
 std::optional<std::string> CChipConfig::FirstDifference(const CChipConfig& other) const {
     const auto describe = [](const CSubsystemConfig& place, const CElement* element) {
-        const CKesContext& at = place.Place();
-        std::string text = place.Type() < std::size(SUBSYSTEM_NAMES)
-                               ? std::string(SUBSYSTEM_NAMES[place.Type()])
-                               : "subsystem type " + std::to_string(place.Type());
-        text += ", device " + std::to_string(at.Device()) + ", store " + std::to_string(at.Store());
+        const std::string text = DescribePlace(place.Place());
         return element == nullptr ? text : text + ": " + element->ToString();
     };
     const auto counterpart = [](const CChipConfig& config, const CSubsystemConfig& place) {

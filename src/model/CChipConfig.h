@@ -20,6 +20,7 @@
 
 namespace VemoKesConfigTools {
 
+class CChangeLog;
 class CStoreInfo;
 class CSubsystemConfig;
 
@@ -30,6 +31,8 @@ class CSubsystemConfig;
 /// Layers: a place without a layer is configuration and answers to every layer from 1 up. A place of layer n
 /// answers to n, and for n from 1 to 15 also to 16, all combined. Layer 0, the defaults, answers to 0 only.
 /// The tag `STR_LAYER_FILTER` with n widens a question to all layers up to n; what is not layer 0 then wins.
+///
+/// A question that several places can answer is answered from the one in which that key was written last.
 class KES_API CChipConfig final : public IConfigReaderObserver,
                                   public IConfigReaderElementObserver,
                                   public IWritable,
@@ -61,7 +64,8 @@ public:
 
     /// The places. The key is a running number in the order of first arrival.
     const std::map<std::string, CSubsystemConfig*>& Subsystems() const { return mSubsystems; }
-    /// The stores: those of the last read in the reader's order, and those known before.
+    /// The stores: those of the last read in the reader's order, and those known before. What a read does not
+    /// know of a store stays as an earlier read had it.
     const std::list<CStoreInfo*>& Stores() const { return mStores; }
     /// Where the other configuration differs first in places, keys or values, in words. A place without keys
     /// counts as none; the order of places and keys, stores and chip id are not compared.
@@ -72,6 +76,8 @@ public:
     bool HasElements(std::uint32_t psid, SubSystemTypeEnum type, std::uint16_t layer) const;
 
 private:
+    friend class CConfigTransaction;
+
     struct PlaceKey {
         std::int32_t type;
         std::int32_t device;
@@ -84,12 +90,17 @@ private:
     };
     using Places = std::vector<CSubsystemConfig*>;
 
+    void BeginTransaction();
+    void EndTransaction(bool keep);
+    void RemovePlace(const CSubsystemConfig& place);
+    bool HasPlaceOn(const CStoreInfo& store) const;
     static PlaceKey KeyOf(const CKesContext& place);
     CSubsystemConfig& PlaceOf(IConfigContext& context);
     const Places& PlacesFor(const CKesContext& question) const;
     const CElement& Look(std::uint32_t psid, std::span<const std::uint32_t> indices,
                          IConfigContext& context) const;
 
+    std::unique_ptr<CChangeLog> mpLog;  ///< places refer to it
     std::map<std::string, CSubsystemConfig*> mSubsystems;
     std::list<CStoreInfo*> mStores;
     std::unordered_map<PlaceKey, std::unique_ptr<CSubsystemConfig>, PlaceHash> mPlaces;

@@ -50,6 +50,12 @@ public:
     const IMetadata* Metadata() const override { return mpMetadata; }
 
     std::uint32_t PsId() const { return mPsid; }
+    /// The running number of the write that brought the element into its configuration: the larger one is the
+    /// newer one. 0 outside of a configuration.
+    std::uint64_t WriteNumber() const { return mWriteNumber; }
+    void SetWriteNumber(std::uint64_t number) {
+        mWriteNumber = number & ((std::uint64_t{1} << WRITE_NUMBER_BITS) - 1);
+    }
     /// The values in order. Valid until the element changes or goes.
     std::span<IPayload* const> Payloads() const {
         return {mCount == 1 ? &mValues.one : mValues.many, mCount};
@@ -66,8 +72,11 @@ private:
     std::uint32_t mCount = 0;
     std::uint32_t mPsid = 0;
     const IMetadata* mpMetadata = nullptr;
-    bool mValid = false;
-    bool mChanged = false;
+    // One word with the number: these fields must not make the element larger.
+    static constexpr unsigned WRITE_NUMBER_BITS = 62;
+    std::uint64_t mWriteNumber : WRITE_NUMBER_BITS = 0;
+    bool mValid : 1 = false;
+    bool mChanged : 1 = false;
 };
 
 /// The key string of a key number and its indexes.

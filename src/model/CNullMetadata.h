@@ -4,8 +4,8 @@
 
 namespace VemoKesConfigTools {
 
-/// The record that stands for no metadata: not valid, empty texts, zeros, metadata type 3, no detail. One
-/// instance for the process.
+/// The record that stands for no metadata: not valid, internal, empty texts, zeros, metadata type 3, no
+/// detail. One instance for the process.
 class KES_API CNullMetadata final : public IMetadata {
 public:
     static const CNullMetadata& Ref() { return mInstance; }
@@ -14,7 +14,7 @@ public:
     std::uint32_t Psid() const override { return 0; }
     std::string Name() const override { return {}; }
     std::string Label() const override { return {}; }
-    bool IsInternal() const override { return false; }
+    bool IsInternal() const override { return true; }
     std::string Format() const override { return {}; }
     std::int64_t Min() const override { return 0; }
     std::int64_t Max() const override { return 0; }

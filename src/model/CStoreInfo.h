@@ -12,7 +12,10 @@ namespace VemoKesConfigTools {
 class KES_API CStoreInfo {
 public:
     CStoreInfo() = default;
-    /// Sizes are in bytes; `freeSize` is -1 when it is not known.
+    /// The size of a store of which only device and number are known.
+    static constexpr std::uint32_t UNKNOWN_SIZE = 0xFFFFFFFF;
+
+    /// Sizes are in bytes: `storeSize` is `UNKNOWN_SIZE`, and `freeSize` is -1, when it is not known.
     CStoreInfo(IStoreManager::DEVICE device, std::uint16_t storeId, std::uint32_t storeSize,
                std::int32_t freeSize, std::uint16_t linkedStoreId, std::uint16_t order, bool paired)
         : mDevice(device),
@@ -40,6 +43,10 @@ public:
     /// Whether the store is one of a pair.
     bool Paired() const { return mPaired; }
     void SetPaired(bool paired) { mPaired = paired; }
+
+    /// Takes over what another description of the same store knows and this one does not. Whoever knows the
+    /// size of a store has seen the store itself, and knows its pair and its link.
+    void FillFrom(const CStoreInfo& known);
 
 private:
     IStoreManager::DEVICE mDevice = IStoreManager::DEVICE_NONE;

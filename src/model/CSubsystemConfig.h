@@ -1,19 +1,21 @@
 #pragma once
 
 #include "messages/Export.h"
+#include "model/CElement.h"
 #include "model/CKesContext.h"
 #include "model/CKeyTable.h"
 #include "model/IConfigReaderElementObserver.h"
 
 #include <cstdint>
 #include <list>
+#include <memory>
 #include <span>
 #include <unordered_map>
 #include <vector>
 
 namespace VemoKesConfigTools {
 
-class CElement;
+class CChangeLog;
 
 /// The keys of one place, which it owns, in their order of arrival. Lookup, replacement and removal take
 /// constant time.
@@ -21,8 +23,12 @@ class KES_API CSubsystemConfig final : public IConfigReaderElementObserver {
 public:
     using ElementList = std::list<CElement*>;
 
-    /// An empty place. The context is the copy that the place keeps.
-    explicit CSubsystemConfig(const CKesContext& context);
+    /// What one change of a key took from its place, with all that it takes to put it back.
+    struct KeyChange;
+
+    /// An empty place. The context is the copy that the place keeps. The log is that of the configuration,
+    /// not owned; a place that stands alone has none.
+    explicit CSubsystemConfig(const CKesContext& context, CChangeLog* log = nullptr);
     CSubsystemConfig(const CSubsystemConfig&) = delete;
     CSubsystemConfig& operator=(const CSubsystemConfig&) = delete;
     ~CSubsystemConfig() override;
@@ -52,20 +58,45 @@ public:
     CElement* Find(std::uint32_t psid, std::span<const std::uint32_t> indices) const;
 
 private:
+    friend class CChangeLog;
     using Key = CKeyTable::Key;
     using Positions = std::vector<ElementList::iterator>;
+
+    bool IsLogged() const;
+    void TakeBack(KeyChange& change);
 
     const Positions& OthersOf(ElementList::iterator first) const;
     bool SameElements(ElementList::iterator mine, const CSubsystemConfig& other,
                       ElementList::iterator theirs) const;
-    void DropOthers(ElementList::iterator first);
+    void TakeOthers(KeyChange& change);
+    void TakeNode(KeyChange& change, ElementList::iterator node);
+    void CountIndexed(const Key& key);
+    void UncountIndexed(const Key& key);
 
     CKesContext mContext;
+    CChangeLog* mpLog;
     ElementList mElements;
     CKeyTable mFirsts;
     /// The further elements of keys that have several, by the entry of the first in the list.
     std::unordered_map<const void*, Positions> mOthers;
     std::unordered_map<std::uint32_t, std::uint32_t> mIndexedKeys;  ///< how many keys with indexes a psid has
+};
+
+struct KES_API CSubsystemConfig::KeyChange {
+    enum class Kind { ADDED, REPLACED, REMOVED };
+
+    KeyChange(Kind is, CSubsystemConfig& at, ElementList::iterator which)
+        : kind(is), place(&at), node(which) {}
+    KeyChange(KeyChange&& other) noexcept = default;
+    KeyChange& operator=(KeyChange&&) = delete;
+    ~KeyChange();
+
+    Kind kind;
+    CSubsystemConfig* place;
+    ElementList::iterator node;          ///< of the element that was added, or of the first one of the key
+    std::unique_ptr<CElement> replaced;  ///< what stood in the node before
+    ElementList taken;                   ///< the nodes that went out of the list, in that order
+    Positions followers;                 ///< in front of which each of them stood
 };
 
 }  // namespace VemoKesConfigTools

@@ -6,6 +6,7 @@
 #include "plugins/binary/Refusal.h"
 
 #include <algorithm>
+#include <ranges>
 #include <utility>
 
 namespace VemoKesConfigTools {
@@ -22,9 +23,10 @@ std::uint64_t EndOfProgrammed(std::string_view area) { return area.find_last_not
 }  // namespace
 
 std::string EncodeContent(const std::vector<EncodedPlace>& places) {
+    const auto hasKeys = [](const EncodedPlace& place) { return place.keyCount != 0; };
     std::string content;
-    ByteWriter(content).Number(places.size());
-    for (const EncodedPlace& place : places) AppendPlace(content, place);
+    ByteWriter(content).Number(static_cast<std::uint64_t>(std::ranges::count_if(places, hasKeys)));
+    for (const EncodedPlace& place : places | std::views::filter(hasKeys)) AppendPlace(content, place);
     return content;
 }
 

@@ -12,7 +12,7 @@
 
 namespace VemoKesConfigTools {
 
-/// The bytes of a content: how many places there are, and their blocks.
+/// The bytes of a content: how many places there are, and their blocks. Places without keys are left out.
 std::string EncodeContent(const std::vector<EncodedPlace>& places);
 /// The places of a content. Throws `Refusal`.
 std::vector<EncodedPlace> DecodeContent(std::string_view content);

@@ -40,7 +40,7 @@ SortedPlaces Sort(const DeviceImage& image, const std::vector<EncodedPlace>& pla
         const auto store = StoreFor(image.Header(), image.Directory().stores, place.place);
         if (store) {
             sorted.byStore[*store].push_back(place);
-        } else {
+        } else if (place.keyCount != 0) {
             sorted.homeless[NewStoreFor(image.Header(), place.place)].push_back(place);
         }
     }

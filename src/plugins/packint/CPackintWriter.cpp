@@ -36,6 +36,7 @@ void CPackintWriter::Save(std::vector<EncodedPlace> places, CKesContext& context
     files::SetChange change;
     std::set<std::string> written;
     for (const EncodedPlace& place : places) {
+        if (place.keyCount == 0) continue;
         change.files.push_back({ChunkFileName(place.place), EncodeChunk({context.Chip(), place})});
         written.insert(change.files.back().name);
     }

@@ -34,6 +34,18 @@ CMessageHandler& Handler(const char* function) {
     return CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_STRINGUTIL, function, false);
 }
 
+/// Runs a function under a sentry that shows its result. `line` is where the function begins.
+template <typename Function>
+auto Traced(const char* name, std::uint32_t line, Function function) {
+    decltype(function()) result{};
+    {
+        const CDebugSentryWithReturn sentry(CTheMsgHnd::DebugActivated() ? &Handler(name) : nullptr, line,
+                                            __FILE__, name, &result);
+        result = function();
+    }
+    return result;
+}
+
 template <typename Char>
 using Text = std::basic_string<Char>;
 
@@ -115,30 +127,33 @@ void WriteHex(std::basic_ostream<Char>& stream, std::int32_t number, std::int32_
 
 template <typename Char>
 Text<Char> Upper(Text<Char> text) {
-    STRINGUTIL_SENTRY("ToUpper");
-    for (Char& c : text) {
-        if (IsIn(c, 'a', 'z')) c = Char(c - Char('a') + Char('A'));
-    }
-    return text;
+    return Traced("stringutil::ToUpper", __LINE__, [&] {
+        for (Char& c : text) {
+            if (IsIn(c, 'a', 'z')) c = Char(c - Char('a') + Char('A'));
+        }
+        return text;
+    });
 }
 
 template <typename Char>
 Text<Char> Lower(Text<Char> text) {
-    STRINGUTIL_SENTRY("ToLower");
-    for (Char& c : text) {
-        if (IsIn(c, 'A', 'Z')) c = Char(c - Char('A') + Char('a'));
-    }
-    return text;
+    return Traced("stringutil::ToLower", __LINE__, [&] {
+        for (Char& c : text) {
+            if (IsIn(c, 'A', 'Z')) c = Char(c - Char('A') + Char('a'));
+        }
+        return text;
+    });
 }
 
 template <typename Char>
 std::uint32_t ReadHex(const Text<Char>& text) {
-    STRINGUTIL_SENTRY("HexStrToInt");
-    std::basic_istringstream<Char> stream(text);
-    stream.imbue(std::locale::classic());
-    std::uint32_t value = 0;
-    stream >> std::hex >> value;
-    return stream.fail() ? 0 : value;
+    return Traced("stringutil::HexStrToInt", __LINE__, [&] {
+        std::basic_istringstream<Char> stream(text);
+        stream.imbue(std::locale::classic());
+        std::uint32_t value = 0;
+        stream >> std::hex >> value;
+        return stream.fail() ? 0 : value;
+    });
 }
 
 /// Whether "0x" and two digits stand at `i`, apart from all else.
@@ -151,38 +166,41 @@ bool IsPrefixedOctet(const Text<Char>& text, std::size_t i) {
 
 template <typename Char>
 Text<Char> ReadOctets(const Text<Char>& text) {
-    STRINGUTIL_SENTRY("OctStrToString");
-    Text<Char> result;
-    std::size_t i = 0;
-    while (i < text.size()) {
-        if (IsSpace(text[i])) {
-            ++i;
-            continue;
+    return Traced("stringutil::OctStrToString", __LINE__, [&] {
+        Text<Char> result;
+        std::size_t i = 0;
+        while (i < text.size()) {
+            if (IsSpace(text[i])) {
+                ++i;
+                continue;
+            }
+            if (IsPrefixedOctet(text, i)) i += 2;
+            if (i + 1 >= text.size() || !IsDigit(text[i]) || !IsDigit(text[i + 1])) return text;
+            result.push_back(static_cast<Char>(DigitOf(text[i]) * 16 + DigitOf(text[i + 1])));
+            i += 2;
         }
-        if (IsPrefixedOctet(text, i)) i += 2;
-        if (i + 1 >= text.size() || !IsDigit(text[i]) || !IsDigit(text[i + 1])) return text;
-        result.push_back(static_cast<Char>(DigitOf(text[i]) * 16 + DigitOf(text[i + 1])));
-        i += 2;
-    }
-    return result;
+        return result;
+    });
 }
 
 template <typename Char>
 Text<Char> WriteBytes(const Text<Char>& text) {
-    STRINGUTIL_SENTRY("StringToOctStr");
-    Text<Char> result;
-    result.reserve(text.size() * 2);
-    for (const Char c : text) AppendHex(result, static_cast<std::uint8_t>(c));
-    return result;
+    return Traced("stringutil::StringToOctStr", __LINE__, [&] {
+        Text<Char> result;
+        result.reserve(text.size() * 2);
+        for (const Char c : text) AppendHex(result, static_cast<std::uint8_t>(c));
+        return result;
+    });
 }
 
 template <typename Char>
 Text<Char> WriteCharacters(const Text<Char>& text) {
-    STRINGUTIL_SENTRY("OctetToOctetString");
-    Text<Char> result;
-    result.reserve(text.size() * 2);
-    for (const Char c : text) AppendHex(result, static_cast<std::make_unsigned_t<Char>>(c));
-    return result;
+    return Traced("stringutil::OctetToOctetString", __LINE__, [&] {
+        Text<Char> result;
+        result.reserve(text.size() * 2);
+        for (const Char c : text) AppendHex(result, static_cast<std::make_unsigned_t<Char>>(c));
+        return result;
+    });
 }
 
 long long ToNumber(const char* text, char** end) { return std::strtoll(text, end, 0); }
@@ -202,9 +220,10 @@ bool ReadInteger(const Text<Char>& text, std::int32_t& value) {
 
 template <typename Char>
 Text<Char> Pad(Text<Char> text, Char pad, std::uint32_t length, bool left) {
-    STRINGUTIL_SENTRY("PadString");
-    if (text.size() < length && pad != 0) text.insert(left ? 0 : text.size(), length - text.size(), pad);
-    return text;
+    return Traced("stringutil::PadString", __LINE__, [&] {
+        if (text.size() < length && pad != 0) text.insert(left ? 0 : text.size(), length - text.size(), pad);
+        return text;
+    });
 }
 
 /// Calls `use` on each piece that is not empty until it returns false.
@@ -222,16 +241,17 @@ bool ForEachPiece(const Text<Char>& text, Char delimiter, Use use) {
 template <typename Char>
 bool SplitToMap(const Text<Char>& text, Char separator, Char delimiter,
                 std::map<Text<Char>, Text<Char>>& map) {
-    STRINGUTIL_SENTRY("StringToMap");
-    return ForEachPiece(text, delimiter, [&](Text<Char> piece) {
-        if (separator == 0) {
-            map[std::move(piece)].clear();
+    return Traced("stringutil::StringToMap", __LINE__, [&] {
+        return ForEachPiece(text, delimiter, [&](Text<Char> piece) {
+            if (separator == 0) {
+                map[std::move(piece)].clear();
+                return true;
+            }
+            const std::size_t at = piece.find(separator);
+            if (at == Text<Char>::npos) return false;
+            map[piece.substr(0, at)] = piece.substr(at + 1);
             return true;
-        }
-        const std::size_t at = piece.find(separator);
-        if (at == Text<Char>::npos) return false;
-        map[piece.substr(0, at)] = piece.substr(at + 1);
-        return true;
+        });
     });
 }
 
@@ -246,9 +266,10 @@ void SplitToVector(const Text<Char>& text, Char delimiter, std::vector<Text<Char
 
 template <typename Char>
 bool IsHex(const Text<Char>& text, bool allowPrefix) {
-    STRINGUTIL_SENTRY("IsValidHexString");
-    const bool prefixed = allowPrefix && text.size() >= 2 && text[0] == Char('0') && text[1] == Char('x');
-    return !text.empty() && std::all_of(text.begin() + (prefixed ? 2 : 0), text.end(), IsDigit<Char>);
+    return Traced("stringutil::IsValidHexString", __LINE__, [&] {
+        const bool prefixed = allowPrefix && text.size() >= 2 && text[0] == Char('0') && text[1] == Char('x');
+        return !text.empty() && std::all_of(text.begin() + (prefixed ? 2 : 0), text.end(), IsDigit<Char>);
+    });
 }
 
 }  // namespace
@@ -285,18 +306,20 @@ std::string OctetToOctetString(const std::string& aText) { return WriteCharacter
 std::wstring OctetToOctetString(const std::wstring& aText) { return WriteCharacters(aText); }
 
 bool StringToInteger(const std::string& aText, std::int32_t& aValue) {
-    STRINGUTIL_SENTRY("StringToInteger");
-    if (!ReadInteger(aText, aValue)) return false;
-    STRINGUTIL_TRACE(2, "StringToInteger", "Converted string \"%s\" to integer \"%d\"", aText.c_str(),
-                     aValue);
-    return true;
+    return Traced("stringutil::StringToInteger", __LINE__, [&] {
+        if (!ReadInteger(aText, aValue)) return false;
+        STRINGUTIL_TRACE(2, "StringToInteger", "Converted string \"%s\" to integer \"%d\"", aText.c_str(),
+                         aValue);
+        return true;
+    });
 }
 bool StringToInteger(const std::wstring& aText, std::int32_t& aValue) {
-    STRINGUTIL_SENTRY("StringToInteger");
-    if (!ReadInteger(aText, aValue)) return false;
-    STRINGUTIL_TRACE(2, "StringToInteger", "Converted string \"%ls\" to integer \"%d\"", aText.c_str(),
-                     aValue);
-    return true;
+    return Traced("stringutil::StringToInteger", __LINE__, [&] {
+        if (!ReadInteger(aText, aValue)) return false;
+        STRINGUTIL_TRACE(2, "StringToInteger", "Converted string \"%ls\" to integer \"%d\"", aText.c_str(),
+                         aValue);
+        return true;
+    });
 }
 
 std::string PadString(const std::string& aText, char aPadChar, std::uint32_t aLength, bool aPadLeft) {

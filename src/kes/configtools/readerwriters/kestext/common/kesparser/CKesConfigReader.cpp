@@ -145,9 +145,8 @@ const CStoreInfo* CKesConfigReader::FindStore(IStoreManager::DEVICE device, std:
 
 const CStoreInfo* CKesConfigReader::AddStore(IStoreManager::DEVICE device, std::uint16_t store,
                                              std::uint16_t order) {
-    constexpr std::int32_t UNKNOWN_SIZE = -1;
-    auto info = std::make_unique<CStoreInfo>(device, store, static_cast<std::uint32_t>(UNKNOWN_SIZE),
-                                             UNKNOWN_SIZE, std::uint16_t{0}, order, false);
+    auto info = std::make_unique<CStoreInfo>(device, store, CStoreInfo::UNKNOWN_SIZE, -1, std::uint16_t{0},
+                                             order, false);
     mStores.push_back(info.get());
     const CStoreInfo* added = info.release();
     mStoreIndex.emplace(StoreKey(device, store), added);

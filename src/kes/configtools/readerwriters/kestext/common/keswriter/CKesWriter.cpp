@@ -254,11 +254,10 @@ void CKesWriter::BeginElement(IConfigContext& context) {
 
 void CKesWriter::WriteUid(std::uint32_t uid, IConfigContext& context) {
     KESWRITER_SENTRY("CKesWriter::WriteUid");
-    mIsArray = false;
+    mUid = uid;
     if (mpProvider != nullptr) {
         const IMetadata& metadata = mpProvider->MetadataByPsid(uid, context, false);
         if (metadata.IsValid()) {
-            mIsArray = metadata.IsArray();
             const std::string label = mSimple ? std::string() : metadata.Label();
             if (!label.empty()) mBuffer.append("\n# ").append(label).append("\n");
             mBuffer += metadata.Name();
@@ -279,13 +278,13 @@ void CKesWriter::WriteHeaderInfo(const std::string& name, const void* value, std
     CKesFormat::AppendDecimal(mBuffer, std::int64_t{index});
 }
 
-void CKesWriter::EndElement(IConfigContext& /*context*/) {
+void CKesWriter::EndElement(IConfigContext& context) {
     KESWRITER_SENTRY("CKesWriter::EndElement");
     if (mNoPayloadYet) {
         mBuffer.clear();
     } else if (mRaw) {
         mBuffer += " %";
-    } else if (mIsArray) {
+    } else if (IsArray(context)) {
         mBuffer += '}';
     }
     WriteOut(mBuffer += '\n');
@@ -302,13 +301,18 @@ void CKesWriter::WritePayload(IPayload& payload, IConfigContext& context) {
     mFirstField = false;
 }
 
+/// Asked anew for each brace: the provider may answer differently once values have been written.
+bool CKesWriter::IsArray(IConfigContext& context) const {
+    return mpProvider != nullptr && mpProvider->MetadataByPsid(mUid, context, false).IsArray();
+}
+
 /// The first payload settles the form of the element.
 void CKesWriter::BeginValue(const IPayload& payload, IConfigContext& context) {
     mRaw = payload.Type() == PAYLOAD_TYPE_RAW || context.TagMatches(STR_RAW_MODE, STR_TRUE);
     mBuffer += " = ";
     if (mRaw) {
         mBuffer += "% ";
-    } else if (mIsArray) {
+    } else if (IsArray(context)) {
         mArrayOpen = true;
         mBuffer += '{';
     }

@@ -57,6 +57,7 @@ private:
     void OpenFile();
     void WriteOut(std::string_view text);
 
+    bool IsArray(IConfigContext& context) const;
     void BeginValue(const IPayload& payload, IConfigContext& context);
     void AppendSeparator(const IPayload& payload);
     void AppendValue(IPayload& payload, IConfigContext& context);
@@ -72,7 +73,7 @@ private:
     std::ostream* mpStream;
     IMetadataProvider* mpProvider;
     std::string mBuffer;                 ///< the text of the element being composed
-    bool mIsArray = false;               ///< the key of the element is an array
+    std::uint32_t mUid = 0;              ///< the number of the key of the element
     std::string mFileName;               ///< empty when the writer works on a stream
     bool mFirstField = true;             ///< the next value needs no separator in front of it
     bool mNoPayloadYet = true;           ///< the element has not received a payload
