@@ -19,10 +19,13 @@ namespace {
 using Progress = std::function<void(std::uint64_t)>;
 
 ConfigReport CheckConfig(ConfigLoader& loader, const ConfigSource& source, bool summary,
-                         std::chrono::milliseconds lockWait, Progress progress) {
+                         std::chrono::milliseconds lockWait, Progress progress,
+                         const TakeFinding& found = {}) {
     try {
         const ConfigInput input(source, InputAccess::READ, lockWait);
-        ConfigReport report = loader.Read(input, std::move(progress));
+        const auto pass = [&](const Finding& finding) { found(input.Name(), finding); };
+        ConfigReport report = loader.Read(input, std::move(progress),
+                                          found ? ConfigLoader::Found(pass) : ConfigLoader::Found());
         if (summary) report.summary = loader.Summary();
         return report;
     } catch (const Failure& failure) {
@@ -153,7 +156,7 @@ private:
 
 }  // namespace
 
-void CheckConfigs(const Globals& globals, const CheckWork& work,
+void CheckConfigs(const Globals& globals, const CheckWork& work, const TakeFinding& found,
                   const std::function<void(const ConfigReport&)>& take, ProgressBar& bar) {
     if (work.jobs > 1 && work.sources.size() > 1) {
         Pool(globals, work, take, bar).Run();
@@ -162,8 +165,9 @@ void CheckConfigs(const Globals& globals, const CheckWork& work,
     ConfigLoader loader(globals);
     std::uint64_t done = 0;
     for (const ConfigSource& source : work.sources) {
-        take(CheckConfig(loader, source, work.summaries, globals.lockWait,
-                         [&](std::uint64_t bytes) { bar.Show(done + bytes); }));
+        take(CheckConfig(
+            loader, source, work.summaries, globals.lockWait,
+            [&](std::uint64_t bytes) { bar.Show(done + bytes); }, found));
         done += ConfigInput::SizeOf(source);
         bar.Show(done);
     }

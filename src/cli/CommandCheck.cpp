@@ -67,7 +67,11 @@ int Run(const Globals& globals, const CheckOptions& options) {
             reports.push_back(report);
         }
     };
-    CheckConfigs(globals, work, take, bar);
+    const auto print = [&](const std::string& file, const Finding& finding) {
+        bar.Erase();
+        PrintFinding(file, finding, diagnostics);
+    };
+    CheckConfigs(globals, work, format == FORMAT_TEXT ? TakeFinding(print) : TakeFinding(), take, bar);
     bar.Erase();
     if (format != FORMAT_TEXT) PrintDocument(reports, format, worst);
     return worst;

@@ -3,11 +3,11 @@
 #include "cli/ConfigAccess.h"
 #include "cli/DeviceNames.h"
 #include "cli/ProgressBar.h"
-#include "cli/SourceLines.h"
 #include "cli/SourceWords.h"
 #include "facade/Framework.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/CParserError.h"
 
+#include <exception>
 #include <utility>
 
 namespace kes::cli {
@@ -82,22 +82,25 @@ std::vector<std::string> ConfigLoader::NotesOn(const TextFinding& said) {
     return finding.notes;
 }
 
-ConfigReport ConfigLoader::Read(const ConfigInput& input, std::function<void(std::uint64_t)> progress) {
+ConfigReport ConfigLoader::Read(const ConfigInput& input, Progress progress, const Found& found) {
     const bool guessed = ChooseChip(input);
-    const Listener listener(std::move(progress));
-    mFacade.OwningChip(mChip);
-    ConfigReport report;
-    report.file = input.Name();
-    report.system = Text(mChip->SystemVersionLabel());
-    const bool loaded = input.Load(mFacade);
-    if (const TextFile* text = input.Text()) {
-        if (!loaded) TakeFindings(*text, listener, report);
-    } else if (!loaded || !listener.OtherErrors().empty()) {
-        for (const auto& [number, error] : listener.OtherErrors()) report.errors.push_back(error);
-        report.exit = ExitOf(listener.OtherErrors());
-    }
+    SourceLines lines(input.Text() != nullptr ? std::string_view(input.Text()->Content()) : std::string_view());
+    std::exception_ptr failure;
+    // No exception of ours may go through the reader.
+    const auto pass = [&](const TextFinding& said) {
+        if (failure) return;
+        try {
+            found(MakeFinding(lines, said));
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    };
+    const Listener listener(std::move(progress), found ? Listener::Found(pass) : Listener::Found());
+    ConfigReport report = Load(input, listener);
+    if (failure) std::rethrow_exception(failure);
+    for (const TextFinding& said : listener.Findings()) report.findings.push_back(MakeFinding(lines, said));
     for (const std::string& status : listener.Statuses()) {
-        if (!listener.Findings().empty()) break;
+        if (listener.AnyFinding()) break;
         if (report.exit == EXIT_SYSTEM) {
             report.notes.push_back(status);
             continue;
@@ -117,6 +120,24 @@ ConfigReport ConfigLoader::Read(const ConfigInput& input, std::function<void(std
     return report;
 }
 
+/// Loads, and reports errors of the whole.
+ConfigReport ConfigLoader::Load(const ConfigInput& input, const Listener& listener) {
+    mFacade.OwningChip(mChip);
+    ConfigReport report;
+    report.file = input.Name();
+    report.system = Text(mChip->SystemVersionLabel());
+    const bool loaded = input.Load(mFacade);
+    const std::vector<Listener::Error> errors = listener.OtherErrors();
+    if (loaded && (input.Text() != nullptr || errors.empty())) return report;
+    for (const auto& [number, error] : errors) report.errors.push_back(error);
+    if (input.Text() == nullptr) {
+        report.exit = ExitOf(errors);
+    } else {
+        report.exit = errors.empty() || input.Text()->IsEmpty() ? EXIT_FINDINGS : EXIT_SYSTEM;
+    }
+    return report;
+}
+
 /// Whether neither the options nor the configuration have named the system.
 bool ConfigLoader::ChooseChip(const ConfigInput& input) {
     mChip = mChosenChip.empty() ? mSession.TryChip(input.System()) : nullptr;
@@ -125,28 +146,22 @@ bool ConfigLoader::ChooseChip(const ConfigInput& input) {
     return !named;
 }
 
-void ConfigLoader::TakeFindings(const TextFile& text, const Listener& listener, ConfigReport& report) {
-    for (const auto& [number, error] : listener.OtherErrors()) report.errors.push_back(error);
-    report.exit = report.errors.empty() || text.IsEmpty() ? EXIT_FINDINGS : EXIT_SYSTEM;
-    SourceLines lines(text.Content());
-    for (const TextFinding& said : listener.Findings()) {
-        Finding finding;
-        finding.line = said.line;
-        finding.column = said.column;
-        finding.code = said.code;
-        finding.kind = said.text;
-        finding.message = said.Message();
-        finding.key = said.key;
-        if (said.line != 0) {
-            const std::string_view line = lines.Line(said.line);
-            // What stands in front of a joined line cannot be seen in it.
-            const bool joined = said.line > 1 && lines.Line(said.line - 1).ends_with('\\');
-            finding.character = ToCharacter(line, said.column);
-            finding.source = line.substr(0, WIDEST_SOURCE);
-            mNotes.Add(*mChip, said, joined ? std::string_view() : line, finding);
-        }
-        report.findings.push_back(std::move(finding));
-    }
+Finding ConfigLoader::MakeFinding(SourceLines& lines, const TextFinding& said) {
+    Finding finding;
+    finding.line = said.line;
+    finding.column = said.column;
+    finding.code = said.code;
+    finding.kind = said.text;
+    finding.message = said.Message();
+    finding.key = said.key;
+    if (said.line == 0) return finding;
+    const std::string_view line = lines.Line(said.line);
+    // What stands in front of a joined line cannot be seen in it.
+    const bool joined = said.line > 1 && lines.Line(said.line - 1).ends_with('\\');
+    finding.character = ToCharacter(line, said.column);
+    finding.source = line.substr(0, WIDEST_SOURCE);
+    mNotes.Add(*mChip, said, joined ? std::string_view() : line, finding);
+    return finding;
 }
 
 ConfigSummary ConfigLoader::Summary() const {

@@ -8,6 +8,7 @@
 #include "cli/Globals.h"
 #include "cli/Listener.h"
 #include "cli/Session.h"
+#include "cli/SourceLines.h"
 #include "facade/FrameworkFacade.h"
 
 #include <cstdint>
@@ -29,8 +30,11 @@ public:
     /// The same for commands that go on with the lines of a text that are good: says what was left out.
     /// Anything else is loaded whole. `EXIT_FINE`, or `EXIT_SYSTEM`.
     ExitCode LoadWhatIsGood(const ConfigInput& input);
-    /// The same without printing: what was found. `progress` is told how many bytes have been read.
-    ConfigReport Read(const ConfigInput& input, std::function<void(std::uint64_t)> progress = {});
+    using Progress = std::function<void(std::uint64_t)>;
+    using Found = std::function<void(const Finding&)>;
+    /// The same without printing: what was found. `progress` is told how many bytes have been read. `found`,
+    /// if there is one, is handed each finding in a text while it is read, and the report has none of them.
+    ConfigReport Read(const ConfigInput& input, Progress progress = {}, const Found& found = {});
     /// What the last load has filled.
     api::FrameworkFacade& Facade() { return mFacade; }
     /// The chip of the last load: the one of the options, or that the configuration names, or the first.
@@ -47,7 +51,8 @@ public:
 private:
     ConfigReport ReadWithBar(const ConfigInput& input);
     bool ChooseChip(const ConfigInput& input);
-    void TakeFindings(const TextFile& text, const Listener& listener, ConfigReport& report);
+    ConfigReport Load(const ConfigInput& input, const Listener& listener);
+    Finding MakeFinding(SourceLines& lines, const VemoKesConfigTools::TextFinding& said);
 
     std::string mChosenChip;
     Session mSession;

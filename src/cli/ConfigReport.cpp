@@ -94,19 +94,20 @@ std::string RuleId(std::int32_t code) {
     return text;
 }
 
-void PrintMessages(const ConfigReport& report, const Diagnostics& diagnostics) {
-    for (const Finding& finding : report.findings) {
-        if (finding.line == 0) {
-            diagnostics.Report(report.file, finding.severity.c_str(), finding.message);
-            continue;
-        }
-        diagnostics.Report(report.file, finding.line, finding.column, finding.severity.c_str(),
-                           finding.message);
-        diagnostics.ShowLine(finding.source, finding.column);
-        for (const std::string& note : finding.notes) {
-            diagnostics.Report(report.file, finding.line, finding.column, "note", note);
-        }
+void PrintFinding(const std::string& file, const Finding& finding, const Diagnostics& diagnostics) {
+    if (finding.line == 0) {
+        diagnostics.Report(file, finding.severity.c_str(), finding.message);
+        return;
     }
+    diagnostics.Report(file, finding.line, finding.column, finding.severity.c_str(), finding.message);
+    diagnostics.ShowLine(finding.source, finding.column);
+    for (const std::string& note : finding.notes) {
+        diagnostics.Report(file, finding.line, finding.column, "note", note);
+    }
+}
+
+void PrintMessages(const ConfigReport& report, const Diagnostics& diagnostics) {
+    for (const Finding& finding : report.findings) PrintFinding(report.file, finding, diagnostics);
     for (const std::string& error : report.errors) diagnostics.Report(report.file, "error", error);
     for (const std::string& note : report.notes) diagnostics.Report(report.file, "note", note);
 }

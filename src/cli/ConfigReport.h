@@ -73,6 +73,8 @@ ConfigReport FailureReport(const std::string& file, const std::string& message);
 /// The stable name of a kind of finding: "KES026".
 std::string RuleId(std::int32_t code);
 
+/// Prints one finding of a file as a message with its notes, a line each.
+void PrintFinding(const std::string& file, const Finding& finding, const Diagnostics& diagnostics);
 /// Prints a report as messages, a line each, without its summary.
 void PrintMessages(const ConfigReport& report, const Diagnostics& diagnostics);
 /// Prints the errors of a report that has failed; nothing for any other.

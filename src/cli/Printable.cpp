@@ -15,8 +15,7 @@ bool IsPlainAscii(char c) { return c >= 0x20 && c < 0x7F; }
 /// Signs that a terminal acts on, or that make a line read in another order than it has.
 bool IsControl(std::uint32_t code) {
     constexpr std::pair<std::uint32_t, std::uint32_t> RANGES[] = {
-        {0x00, 0x1F},     {0x7F, 0x9F},     {0x61C, 0x61C},
-        {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069},
+        {0x00, 0x1F}, {0x7F, 0x9F}, {0x61C, 0x61C}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069},
     };
     return std::ranges::any_of(
         RANGES, [&](const auto& range) { return code >= range.first && code <= range.second; });

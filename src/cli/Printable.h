@@ -6,8 +6,9 @@
 
 namespace kes::cli {
 
-/// How many bytes the character at the beginning of a text has, at least 1, and whether a terminal shows it and
-/// does nothing else: it is no control character, none that changes the direction of writing, and good UTF-8.
+/// How many bytes the character at the beginning of a text has, at least 1, and whether a terminal shows it
+/// and does nothing else: it is no control character, none that changes the direction of writing, and good
+/// UTF-8.
 struct Character {
     std::size_t size;
     bool printable;
@@ -19,8 +20,8 @@ Character FirstCharacter(std::string_view text);
 std::string Printable(std::string_view text);
 /// The same, with line ends and tabs kept.
 std::string PrintableLines(std::string_view text);
-/// What other programs may want as it is, values and contents of files: quoted only where standard output is a
-/// terminal.
+/// What other programs may want as it is, values and contents of files: quoted only where standard output is
+/// a terminal.
 std::string ForOutput(const std::string& text);
 
 }  // namespace kes::cli

@@ -50,7 +50,7 @@ void Sqlite::Finalizer::operator()(sqlite3_stmt* statement) const noexcept { sql
 
 Sqlite::Sqlite() : mPath("new database") { Open(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE); }
 
-Sqlite::Sqlite(const std::string& path) : mPath(path.c_str()) {
+Sqlite::Sqlite(const std::string& path) : mPath(path) {
     if (const std::string reason = WhyNoRegularFile(mPath); !reason.empty()) {
         throw UnreadableFile(mPath + ": " + reason);
     }
