@@ -10,7 +10,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
+#include <set>
 #include <typeinfo>
+#include <utility>
 
 namespace VemoKesConfigTools {
 
@@ -86,20 +88,22 @@ void CChipConfig::OnReadEnded(IConfigReader& reader, IConfigContext& context) {
     auto* manager = dynamic_cast<IStoreManager*>(&reader);
     if (manager == nullptr) return;
     std::list<CStoreInfo*> stores;
-    for (const CStoreInfo* store : manager->GetStoresInfo(context)) stores.push_back(new CStoreInfo(*store));
-    const std::size_t met = stores.size();
+    std::set<std::pair<std::int32_t, std::int32_t>> met;
+    for (const CStoreInfo* store : manager->GetStoresInfo(context)) {
+        stores.push_back(new CStoreInfo(*store));
+        met.emplace(store->DeviceId(), store->StoreId());
+    }
     std::erase_if(mStores, [&](CStoreInfo* known) {
-        const bool again = std::ranges::any_of(stores, [&](const CStoreInfo* store) {
-            return store->DeviceId() == known->DeviceId() && store->StoreId() == known->StoreId();
-        });
+        const bool again = met.contains({known->DeviceId(), known->StoreId()});
         if (again) delete known;
         return again;
     });
+    const bool hasOthers = !mStores.empty();
     stores.splice(stores.end(), mStores);
     const auto comesBefore = [](const CStoreInfo* left, const CStoreInfo* right) {
         return DeviceRank(*left) < DeviceRank(*right);
     };
-    if (stores.size() > met && !std::ranges::is_sorted(stores, comesBefore)) stores.sort(comesBefore);
+    if (hasOthers && !std::ranges::is_sorted(stores, comesBefore)) stores.sort(comesBefore);
     mStores = std::move(stores);
 }
 
