@@ -1,6 +1,6 @@
-// Shows that no step of the library takes the square of what it is given: growth [--small]. Each kind of text is
-// made once of some size and once of four times that, and every step's processor time is compared. Exit code 1
-// when four times as much takes more than six times as long.
+// Shows that no step of the library takes the square of what it is given: growth [--small]. Each kind of text
+// is made once of some size and once of four times that, and every step's processor time is compared. Exit
+// code 1 when four times as much takes more than six times as long.
 
 #include "bench/GrowthTexts.h"
 #include "facade/Framework.h"
@@ -17,8 +17,8 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <limits>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <set>
@@ -31,8 +31,8 @@ namespace {
 
 using namespace VEMO::Kes::ConfigurationTools;
 using namespace KesBench;
-using VemoKesConfigTools::CMetadataProviderFactory;
 using VemoKesConfigTools::CMessageHandler;
+using VemoKesConfigTools::CMetadataProviderFactory;
 using VemoKesConfigTools::CTextIndex;
 using VemoKesConfigTools::CTheMsgHnd;
 using VemoKesConfigTools::IMetadataProvider;
@@ -49,8 +49,7 @@ constexpr int TRIES = 3;  ///< of a step that seems to be too slow, since others
 /// A facade, a text and what came of it, of one size.
 class Subject {
 public:
-    Subject(FrameworkFacade& facade, IMetadataProvider& provider)
-        : mFacade(facade), mProvider(provider) {
+    Subject(FrameworkFacade& facade, IMetadataProvider& provider) : mFacade(facade), mProvider(provider) {
         mFacade.OwningChip(std::make_shared<Chip>("", 76, "", "", GROWTH_SYSTEM, "", "", ""));
     }
     void Take(const GrowthText& kind, std::size_t size) {
@@ -200,8 +199,8 @@ int main(int argc, char** argv) {
             if (growth.Ratio() > MOST) {
                 isGood = false;
                 std::printf(" (%.3g to %.3g ms)", growth.small, growth.large);
-                std::fprintf(stderr, "growth: %s, %s: four times as much takes %.1f times as long\n", kind.name,
-                             step.name, growth.Ratio());
+                std::fprintf(stderr, "growth: %s, %s: four times as much takes %.1f times as long\n",
+                             kind.name, step.name, growth.Ratio());
             }
             std::printf(" |");
             std::fflush(stdout);

@@ -1,5 +1,5 @@
-// Any bytes as a chunk file, as they are and repaired, and nothing but read: `ChunkFuzzer.cpp` has what must hold of
-// what was taken.
+// Any bytes as a chunk file, as they are and repaired, and nothing but read: `ChunkFuzzer.cpp` has what must
+// hold of what was taken.
 
 #include "BinaryFixture.h"
 #include "ChunkRepair.h"

@@ -1,6 +1,6 @@
-// A database file with any bytes changed. The input is a list of changes of a good file: three bytes for the place, one
-// for the new byte. An input that begins as a database does is a whole file. It is read, or refused with a reason;
-// nothing else is allowed.
+// A database file with any bytes changed. The input is a list of changes of a good file: three bytes for the
+// place, one for the new byte. An input that begins as a database does is a whole file. It is read, or
+// refused with a reason; nothing else is allowed.
 
 #include "ScratchFile.h"
 #include "metadb/MetadataDatabase.h"
@@ -51,7 +51,8 @@ std::string FileOf(const std::uint8_t* data, std::size_t size) {
     if (input.starts_with("SQLite format 3")) return std::string(input);
     std::string file = good;
     for (; size >= 4; data += 4, size -= 4) {
-        const std::size_t place = (std::size_t{data[0]} << 16U | std::size_t{data[1]} << 8U | data[2]) % file.size();
+        const std::size_t place =
+            (std::size_t{data[0]} << 16U | std::size_t{data[1]} << 8U | data[2]) % file.size();
         file[place] = static_cast<char>(data[3]);
     }
     return file;

@@ -1,5 +1,5 @@
-// Any bytes as a device image, as they are and repaired, and nothing but read: `ImageFuzzer.cpp` has what must hold of
-// what was taken.
+// Any bytes as a device image, as they are and repaired, and nothing but read: `ImageFuzzer.cpp` has what
+// must hold of what was taken.
 
 #include "BinaryFixture.h"
 #include "ImageRepair.h"

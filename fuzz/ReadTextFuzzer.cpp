@@ -1,5 +1,5 @@
-// Any bytes as a text, once: nothing but the reader and the model, as fast as can be. `ReaderFuzzer.cpp` has what must
-// hold of a reading.
+// Any bytes as a text, once: nothing but the reader and the model, as fast as can be. `ReaderFuzzer.cpp` has
+// what must hold of a reading.
 
 #include "FuzzFixture.h"
 

@@ -1,4 +1,5 @@
-// Any bytes as words of the command line, one a line: keys, configurations, and what is looked for in a line of a text.
+// Any bytes as words of the command line, one a line: keys, configurations, and what is looked for in a line
+// of a text.
 
 #include "cli/ConfigSource.h"
 #include "cli/ExitCodes.h"
