@@ -8,7 +8,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace KesFuzz;
     const Input input(data, size);
-    const Messages messages;
+    Messages::Handler().ClearError(CMessageHandler::GROUP_DEFAULT);
     std::istringstream stream(input.text);
     CKesConfigReader reader(&stream);
     CChipConfig config;
