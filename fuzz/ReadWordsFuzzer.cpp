@@ -52,8 +52,7 @@ void FindWords(const std::string& line, const std::string& word) {
     const auto end = static_cast<std::uint32_t>(line.size() / 2 + 1);
     for (const auto& found :
          {FindKeyWord(line, word, end), FindValueWord(line, word, end), FindPlaceWord(line, end)}) {
-        if (found && (found->column == 0 || found->column > ToCharacter(line, end)))
-            Fault("a word outside the line", line);
+        if (found && (found->column == 0 || found->column > end)) Fault("a word outside the line", line);
     }
 }
 
