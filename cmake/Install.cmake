@@ -38,3 +38,6 @@ else()
 endif()
 configure_file(cmake/kesconfigtools.pc.in kesconfigtools.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kesconfigtools.pc DESTINATION ${KES_PKGCONFIG_DIR})
+
+# All that an installation takes, without the tests.
+add_custom_target(installable DEPENDS kesconfigtools kes man_pages example_database)

@@ -2,16 +2,14 @@
 // refused whole, or taken, and then written and read again without a change.
 
 #include "BinaryFixture.h"
+#include "ChunkRepair.h"
 #include "model/CRawKeysWriter.h"
-#include "plugins/binary/Bytes.h"
 #include "plugins/binary/CBinaryWriter.h"
 #include "plugins/binary/ChunkFile.h"
 #include "plugins/packint/CPackintReader.h"
 #include "support/TextWriting.h"
 
-#include <algorithm>
 #include <sstream>
-#include <string_view>
 #include <vector>
 
 namespace {
@@ -72,28 +70,11 @@ void Check(const std::string& bytes) {
     WriteText(*config, system);
 }
 
-constexpr std::string_view MAGIC = "\x89KCF\r\n\x1A\n";
-
-/// The bytes, or what lies inside of them when they are a chunk file, as the inside of a good one.
-std::string Repaired(std::string_view bytes) {
-    constexpr std::size_t HEAD = 14;
-    constexpr std::size_t CHECKSUM = 4;
-    if (IsChunk(bytes) && bytes.size() >= HEAD + CHECKSUM)
-        bytes = bytes.substr(HEAD, bytes.size() - HEAD - CHECKSUM);
-    std::string file(MAGIC);
-    ByteWriter writer(file);
-    writer.Fixed(std::uint16_t{1});
-    writer.Fixed(static_cast<std::uint32_t>(HEAD + bytes.size() + CHECKSUM));
-    writer.Raw(bytes);
-    writer.Fixed(Crc32(file));
-    return file;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes(reinterpret_cast<const char*>(data), size);
     Check(bytes);
-    Check(Repaired(bytes));
+    Check(RepairedChunk(bytes));
     return 0;
 }

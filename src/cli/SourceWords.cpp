@@ -64,7 +64,7 @@ std::optional<SourceWord> FindValueWord(std::string_view line, std::string_view 
         return std::nullopt;
     }
     std::optional<SourceWord> found;
-    for (std::size_t at = text.find(word, value); at != std::string_view::npos;
+    for (std::size_t at = text.find(word, value + 1); at != std::string_view::npos;
          at = text.find(word, at + 1)) {
         const std::size_t behind = at + word.size();
         if (IsValueChar(text[at - 1]) || (behind < line.size() && IsValueChar(line[behind]))) continue;

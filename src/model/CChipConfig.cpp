@@ -12,7 +12,9 @@
 #include <charconv>
 #include <cstdio>
 #include <iterator>
+#include <map>
 #include <typeinfo>
+#include <utility>
 
 namespace VemoKesConfigTools {
 
@@ -104,21 +106,24 @@ void CChipConfig::OnReadEnded(IConfigReader& reader, IConfigContext& context) {
         for (const CStoreInfo* store : mStores) before.push_back(*store);
     }
     std::list<CStoreInfo*> stores;
-    for (const CStoreInfo* store : manager->GetStoresInfo(context)) stores.push_back(new CStoreInfo(*store));
-    const std::size_t met = stores.size();
+    std::map<std::pair<std::int32_t, std::int32_t>, CStoreInfo*> met;
+    for (const CStoreInfo* store : manager->GetStoresInfo(context)) {
+        stores.push_back(new CStoreInfo(*store));
+        met.try_emplace({store->DeviceId(), store->StoreId()}, stores.back());
+    }
     std::erase_if(mStores, [&](CStoreInfo* known) {
-        const auto again =
-            std::ranges::find_if(stores, [&](const CStoreInfo* store) { return SameStore(*store, *known); });
-        if (again == stores.end()) return false;
-        (*again)->FillFrom(*known);
+        const auto again = met.find({known->DeviceId(), known->StoreId()});
+        if (again == met.end()) return false;
+        again->second->FillFrom(*known);
         delete known;
         return true;
     });
+    const bool hasOthers = !mStores.empty();
     stores.splice(stores.end(), mStores);
     const auto comesBefore = [](const CStoreInfo* left, const CStoreInfo* right) {
         return DeviceRank(*left) < DeviceRank(*right);
     };
-    if (stores.size() > met && !std::ranges::is_sorted(stores, comesBefore)) stores.sort(comesBefore);
+    if (hasOthers && !std::ranges::is_sorted(stores, comesBefore)) stores.sort(comesBefore);
     mStores = std::move(stores);
 }
 

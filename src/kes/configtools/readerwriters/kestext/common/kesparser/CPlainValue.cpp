@@ -91,13 +91,12 @@ bool CPlainValue::ReadOctets(const IMetadata& metadata) {
 }
 
 bool CPlainValue::ReadQuoted(const IMetadata& metadata) {
+    static constexpr CCharSet SPECIAL("\"\\\n");
     if (!mCursor.Take('"')) return false;
-    const std::string_view line = mCursor.RestOfLine();
-    const std::size_t end = line.find_first_of("\"\\");
+    const std::string_view text = mCursor.TakeUntil(SPECIAL);
     // An escape needs a second look, and so does a line that goes on behind its end.
-    if (end == std::string_view::npos || line[end] != '"') return false;
-    mCursor.MoveTo(line.data() + end + 1);
-    return StringAction(mPayloads, metadata, std::string(line.substr(0, end)), UNIT_CHARACTERS).Ok();
+    if (!mCursor.Take('"')) return false;
+    return StringAction(mPayloads, metadata, std::string(text), UNIT_CHARACTERS).Ok();
 }
 
 bool CPlainValue::ReadArray(const IMetadata& metadata) {

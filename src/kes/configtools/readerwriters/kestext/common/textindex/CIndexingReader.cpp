@@ -2,11 +2,15 @@
 
 #include "kes/configtools/readerwriters/kestext/common/kesparser/CKesName.h"
 #include "kes/configtools/readerwriters/kestext/common/kesparser/CKesParser.h"
+#include "kes/configtools/readerwriters/kestext/common/textparser/CUnicodeFile.h"
+#include "kes/configtools/readerwriters/kestext/common/textparser/LineFilters.h"
 #include "model/CElement.h"
 #include "model/CKesContext.h"
 
 #include <algorithm>
 #include <memory>
+#include <sstream>
+#include <string_view>
 #include <utility>
 
 namespace VemoKesConfigTools {
@@ -138,16 +142,23 @@ private:
     /// Where what stands on the line of a wrong value ends, without the comment behind it.
     std::size_t EndOfContent(const TextLine& line) {
         const CTextReader::Position saved = mpSource->GetPosition();
+        mpSource->SetPosition(mValueStart);
+        const std::size_t start = mValueStart.offset;
+        const std::string_view rest = mpSource->Bottom()->PlainRun();
+        // The line as a text of its own: what begins a comment may have been in quotes to the value, and the
+        // end of that comment would be looked for far behind the line.
+        std::istringstream stream(std::string(rest.substr(0, line.all.end - start)));
+        mpSource->SetPosition(saved);
+        CUnicodeFile file(&stream);
+        CConcatLineFilter joined(&file);
+        CLineCommentFilter withoutLineComments(&joined, "#");
+        CBlockCommentFilter source(&withoutLineComments);
         // A value that was not complete may have taken the end of the line.
         std::size_t end = line.value.end < line.all.end ? line.value.end : line.value.begin;
-        mpSource->SetPosition(mValueStart);
-        for (char c = mpSource->GetChar(); !mpSource->Eof() && c != '\n'; c = mpSource->GetChar()) {
-            // What begins a comment here may have been in quotes to the value.
-            if (mpSource->At().offset > line.all.end) break;
+        for (char c = source.GetChar(); !source.Eof() && c != '\n'; c = source.GetChar()) {
             if (!WHITESPACE_CHARS.Holds(static_cast<unsigned char>(c)))
-                end = std::max(end, mpSource->At().offset);
+                end = std::max(end, start + source.At().offset);
         }
-        mpSource->SetPosition(saved);
         return end;
     }
 

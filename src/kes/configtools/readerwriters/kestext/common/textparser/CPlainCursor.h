@@ -34,6 +34,12 @@ public:
         while (set.Holds(Peek())) ++mAt;
         return {begin, static_cast<std::size_t>(mAt - begin)};
     }
+    /// Consumes the characters up to the first from the set, or up to the end of the text.
+    std::string_view TakeUntil(const CCharSet& set) {
+        const char* const begin = mAt;
+        while (mAt != mEnd && !set.Holds(Peek())) ++mAt;
+        return {begin, static_cast<std::size_t>(mAt - begin)};
+    }
     void SkipBlanks() { TakeAll(WHITESPACE_CHARS); }
     /// What is left of the line, without its newline; all of the text when it has none.
     std::string_view RestOfLine() const {
