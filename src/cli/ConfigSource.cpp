@@ -26,7 +26,10 @@ ConfigSource::ConfigSource(const std::string& given) : word(given), target(given
         if (!given.starts_with(prefix.word)) continue;
         kind = prefix.kind;
         target = given.substr(prefix.word.size());
-        if (!target.empty()) return CheckPath();
+        if (!target.empty()) {
+            CheckPath();
+            return;
+        }
         throw Failure(EXIT_USAGE, "\"" + given + "\" names nothing: the path stands behind it");
     }
     if (given.ends_with('/') || IsFolder(given)) kind = ConfigKind::CHUNKS;
