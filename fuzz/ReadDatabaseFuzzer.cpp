@@ -40,9 +40,7 @@ std::string GoodFile() {
         key.defaults.push_back({"", "1", {}});
     }
     subsystem.keys.back().indexes.push_back({"row", 0, 3, false, {}});
-    const KesTest::TempFolder folder;
-    WriteDatabase(folder / "good.db", {system});
-    return KesTest::ReadFile(folder / "good.db");
+    return SerializeDatabase({system});
 }
 
 std::string FileOf(const std::uint8_t* data, std::size_t size) {

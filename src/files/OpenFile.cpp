@@ -106,12 +106,26 @@ void OpenFile::Close() {
 
 void SyncFolder(const std::string& path) { OpenFile(path, OpenFor::READING).Sync(); }
 
-std::string FolderOf(const std::string& path) {
-    const std::size_t slash = path.find_last_of('/');
-    if (slash == std::string::npos) return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
+namespace {
+
+/// "a/b/" is "a/b", but "/" stays.
+std::string_view WithoutLastSlashes(std::string_view path) {
+    while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
+    return path;
 }
 
-std::string NameOf(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
+}  // namespace
+
+std::string FolderOf(const std::string& path) {
+    const std::string_view name = WithoutLastSlashes(path);
+    const std::size_t slash = name.find_last_of('/');
+    if (slash == std::string_view::npos) return ".";
+    return slash == 0 ? "/" : std::string(name.substr(0, slash));
+}
+
+std::string NameOf(const std::string& path) {
+    const std::string_view name = WithoutLastSlashes(path);
+    return std::string(name.substr(name.find_last_of('/') + 1));
+}
 
 }  // namespace VemoKesConfigTools::files

@@ -103,7 +103,7 @@ void LyingDisk::ForEachCut(std::mt19937& random, const std::function<void(LyingD
                 build(count, unsure, [&](std::size_t n) { return ((set >> n) & 1U) != 0; }, none, 0);
         } else {
             for (std::size_t i = 0; i < RANDOM_TRIES; ++i) {
-                const std::uint32_t density = random() % 9;
+                const auto density = random() % 9;
                 build(count, unsure, [&](std::size_t) { return random() % 8 < density; }, none, 0);
             }
         }
