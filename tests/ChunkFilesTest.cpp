@@ -182,8 +182,8 @@ TEST(ChunkFiles, AreRefusedWholeWhenTheyAreDamaged) {
               "0 invalid operation: " + (folder / "read.kcf") +
                   ": is of the system sys_arm, the configuration of sys_1_0");
     CChipConfig config;
-    EXPECT_EQ(LoadInto(config, folder / "none"), "0 unable to open the file: " + (folder / "none") + ": " +
-                                                     (folder / "none") + ": No such file or directory");
+    EXPECT_EQ(LoadInto(config, folder / "none"),
+              "0 unable to open the file: " + (folder / "none") + ": No such file or directory");
 }
 
 /// What a right checksum covers is not believed either. A good key stands in front, and must not be taken.

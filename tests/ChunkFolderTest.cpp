@@ -1,10 +1,7 @@
-// Folders of chunk files through the host API: what is replaced, what is kept, and what a fault of the disk
-// leaves.
+// Folders of chunk files through the host API: what is replaced, what is kept, and what is said.
 
-#include "support/FaultyDisk.h"
 #include "support/HostSession.h"
 
-#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -78,49 +75,6 @@ TEST_F(ChunkFolder, IsSaidPlainlyWhenItCannotBeWritten) {
     EXPECT_EQ(LastError(),
               "0 unable to open the file: " + (mFolder / "no/such/folder") + ": No such file or directory");
     EXPECT_EQ(KesTest::ReadFile(mFolder / "file"), "x");
-}
-
-/// Every changing call of a save fails in turn, once and for good. Each file is then the old or the new one,
-/// and no other is there.
-TEST_F(ChunkFolder, HoldsOldOrNewFilesAfterAnyFault) {
-    const std::string folder = mFolder / "chunks";
-    ASSERT_TRUE(mFacade.SaveBinary(folder)) << LastError();
-    const Files before = FilesOf(folder);
-    ASSERT_TRUE(mFacade.LoadText(EXAMPLE_FOLDER + "/headunit-rework.ktf", true)) << LastError();
-    std::size_t calls = 0;
-    Files after;
-    {
-        const FaultyDisk disk;
-        ASSERT_TRUE(mFacade.SaveBinary(mFolder / "after"));
-        calls = disk.Calls();
-        after = FilesOf(mFolder / "after");
-    }
-    ASSERT_NE(before, after);
-    ASSERT_GT(calls, after.size() * 3);
-    for (const auto when : {FaultyDisk::After::Goes, FaultyDisk::After::Dead}) {
-        for (std::size_t call = 1; call <= calls; ++call) {
-            fs::remove_all(folder);
-            fs::create_directory(folder);
-            for (const auto& [name, content] : before) std::ofstream(folder + "/" + name) << content;
-            bool saved = false;
-            {
-                const FaultyDisk disk(call, call % 2 == 0 ? EIO : ENOSPC, when);
-                saved = mFacade.SaveBinary(folder);
-            }
-            const Files now = FilesOf(folder);
-            // Only the sync of a folder may fail without an error.
-            EXPECT_TRUE(saved ? now == after : LastError().starts_with("0 unable to write to the file: "))
-                << "call " << call << ": " << LastError();
-            for (const auto& [name, content] : now) {
-                const bool isOld = before.contains(name) && before.at(name) == content;
-                const bool isNew = after.contains(name) && after.at(name) == content;
-                EXPECT_TRUE(isOld || isNew) << name << " after call " << call;
-            }
-            for (const auto& [name, content] : before) {
-                EXPECT_TRUE(now.contains(name) || !after.contains(name)) << name << " after call " << call;
-            }
-        }
-    }
 }
 
 }  // namespace

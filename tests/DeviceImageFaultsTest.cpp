@@ -300,33 +300,6 @@ TEST_F(DeviceImageFaults, AnEepromThatIsMadeAppearsWholeOrNotAtAll) {
     EXPECT_EQ(written, KesTest::ReadFile(path));
 }
 
-TEST_F(DeviceImageFaults, AnImageThatIsMadeAnewNeverShowsAMixture) {
-    const Case which = Cases().front();
-    const std::string path = Prepared(which);
-    ASSERT_TRUE(Save(*Holding(which.second), which.family, path)) << LastError();
-    std::string written = KesTest::ReadFile(path);
-    calls = {true, -1, 0, 0, {}};
-    ImageGeometry geometry;
-    geometry.chipId = CHIP_ID + 1;
-    geometry.systemLabel = "another";
-    geometry.size = which.size;
-    VemoKesConfigTools::CreateImage(path, geometry, /*force=*/true);
-    calls.watching = false;
-    std::set<std::string> seen;
-    for (const Step& step : std::vector<Step>(calls.steps)) {
-        for (std::size_t size = 0; size <= step.bytes.size() && !step.IsSync(); ++size) {
-            try {
-                const auto info = VemoKesConfigTools::ReadImageInfo(Copy(Applied(written, step, size)));
-                seen.insert(std::to_string(info.chipId) + " " + info.systemLabel);
-            } catch (const VemoKesConfigTools::Refusal&) {
-                seen.insert("no image");
-            }
-        }
-        written = Applied(written, step, step.bytes.size());
-    }
-    EXPECT_EQ(seen, (std::set<std::string>{std::string("0 ") + SYSTEM, "no image", "77 another"}));
-}
-
 /// An image of which some bytes have been changed, with all its checksums set right again.
 class LyingImage {
 public:

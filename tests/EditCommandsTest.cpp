@@ -189,7 +189,7 @@ TEST(Edit, SaysWhatFilesDoNotAllow) {
          "must be between 1 and 7"},
         {"kes set f --create max_acl_links 4", LINKS, FOUR},
         {"mkfifo p; kes set f max_acl_links 4 -o p; code=$?; test -p p && rm p; (exit $code)", LINKS, SAME, 3,
-         "p: is no regular file"},
+         "p: cannot be written: no program reads from the pipe"},
         {"kes set f max_acl_links 4 --chip none", LINKS, SAME, 2, "unknown chip \"none\""},
     });
 }
@@ -261,15 +261,26 @@ TEST(Edit, WritesWhereItIsTold) {
     EXPECT_EQ(ReadFile(folder / "h"), edited);
     EXPECT_EQ(ReadFile(text), LINKS);
 
-    // Through a link in another folder; owner and permissions stay, and a file of its own has a read-only
-    // mode too.
+    // Through a link in another folder; owner and permissions stay.
     outcome =
         RunShell(folder,
-                 "mkdir d; ln -s ../f d/l; chmod 0460 f; chown 0:7 f 2>/dev/null; stat -c '%a %u %g' f; "
+                 "mkdir d; ln -s ../f d/l; chmod 0660 f; chown 0:7 f 2>/dev/null; stat -c '%a %u %g' f; "
                  "kes set d/l max_acl_links 4; stat -c '%a %u %g' f; readlink d/l; ls d");
     const std::string first = outcome.out.substr(0, outcome.out.find('\n') + 1);
     EXPECT_EQ(outcome.out, first + first + "../f\nl\n") << outcome.err;
     EXPECT_EQ(ReadFile(text), edited);
+
+    // What a rename would replace against its owner's will takes force.
+    for (const std::string protect : {"chmod 0440 f", "ln f other"}) {
+        outcome = RunShell(folder, protect + "; kes set f max_acl_links 3");
+        EXPECT_EQ(outcome.code, 2) << protect;
+        EXPECT_TRUE(Holds(outcome.err, "nothing was written, --force replaces it")) << outcome.err;
+        EXPECT_EQ(ReadFile(text), edited) << protect;
+        outcome = RunShell(folder,
+                           "kes set f max_acl_links 3 --force && kes set f max_acl_links 4 --force; "
+                           "rm -f other; chmod 0660 f");
+        EXPECT_EQ(ReadFile(text), edited) << outcome.err;
+    }
 
     // A folder that takes no new file leaves the text alone; who may write everywhere has to give that up.
     outcome = RunShell(

@@ -1,5 +1,5 @@
-// Every save of the library on a disk that loses power, forgets what was not synced, fails and fills up: what is
-// found afterwards is the whole old content or the whole new one.
+// Every save of the library on a disk that loses power, forgets what was not synced, fails and fills up: what
+// is found afterwards is the whole old content or the whole new one.
 
 #include "files/Files.h"
 #include "files/ReplaceFile.h"
@@ -29,10 +29,10 @@ constexpr const char* OTHER_KEYS = "subsystem=bt\ndevice=eeprom\nstore=1\nmax_ac
 /// One kind of save.
 struct SaveCase {
     std::string name;
-    std::string path;                                ///< where it goes
-    std::function<void(LyingDisk&)> prepare;         ///< puts the old content there
-    std::function<bool(const std::string&)> save;    ///< saves a content
-    std::function<std::string()> read;               ///< what is there
+    std::string path;                                     ///< where it goes
+    std::function<void(LyingDisk&)> prepare;              ///< puts the old content there
+    std::function<bool(const std::string&)> save;         ///< saves a content
+    std::function<std::string()> read;                    ///< what is there
     std::function<bool(const LyingDisk::Tree&)> isClean;  ///< no file is left that is not ours
 };
 
@@ -53,7 +53,9 @@ protected:
 
     static SaveCase TextFile() {
         const std::string path = "/d/board.ktf";
-        return {"text", path, [=](LyingDisk& disk) { disk.Put(path, OLD_KEYS); },
+        return {"text",
+                path,
+                [=](LyingDisk& disk) { disk.Put(path, OLD_KEYS); },
                 [=](const std::string& text) {
                     try {
                         files::ReplaceFile(path, text);
@@ -84,7 +86,8 @@ protected:
 
     SaveCase Chunks() {
         const std::string path = "/d/chunks";
-        return {"chunks", path,
+        return {"chunks",
+                path,
                 [=](LyingDisk& disk) {
                     const files::DiskInUse use(disk);
                     EXPECT_TRUE(With(OLD_KEYS)->SaveBinary(path)) << LastError();
@@ -107,7 +110,8 @@ protected:
 
     SaveCase Device(ImageFamily family, const char* name, std::uint32_t size) {
         const std::string path = "/d/device.img";
-        return {name, path,
+        return {name,
+                path,
                 [=, this](LyingDisk& disk) {
                     const files::DiskInUse use(disk);
                     ImageGeometry geometry;
@@ -135,8 +139,8 @@ protected:
         return save.read();
     }
 
-    /// Holds for the disk after anything has happened to a save: old or new, twice the same, and the next save
-    /// works and leaves nothing behind.
+    /// Holds for the disk after anything has happened to a save: old or new, twice the same, and the next
+    /// save works and leaves nothing behind.
     static void ExpectOldOrNew(const SaveCase& save, LyingDisk& disk, const std::string& before,
                                const std::string& after, const std::string& other, bool mustBeNew) {
         const files::DiskInUse use(disk);
@@ -273,7 +277,8 @@ TEST_F(SavesOnLyingDisk, LeaveTheOldContentOnAFullDisk) {
                 const files::DiskInUse use(disk);
                 before = save.read();
                 disk.Room(room);
-                EXPECT_FALSE(save.save(NEW_KEYS + std::string(200, '\n') + "# " + std::string(200, 'x'))) << save.name << room;
+                EXPECT_FALSE(save.save(NEW_KEYS + std::string(200, '\n') + "# " + std::string(200, 'x')))
+                    << save.name << room;
                 EXPECT_EQ(save.read(), before) << save.name;
                 EXPECT_TRUE(save.isClean(disk.Files())) << Names(disk);
                 disk.Room(1U << 20U);
@@ -281,6 +286,32 @@ TEST_F(SavesOnLyingDisk, LeaveTheOldContentOnAFullDisk) {
             ExpectOldOrNew(save, disk, before, after, other, false);
         }
     }
+}
+
+TEST_F(SavesOnLyingDisk, AnImageThatIsMadeAnewIsTheOldOneOrTheNewOne) {
+    const std::string path = "/d/device.img";
+    const auto make = [&](std::uint16_t chip) {
+        ImageGeometry geometry;
+        geometry.chipId = chip;
+        geometry.size = 1024;
+        VemoKesConfigTools::CreateImage(path, geometry, /*force=*/true);
+    };
+    LyingDisk disk;
+    {
+        const files::DiskInUse use(disk);
+        make(1);
+        disk.BeginLog();
+        make(2);
+    }
+    std::set<int> seen;
+    disk.ForEachCut(mRandom, [&](LyingDisk& state) {
+        const files::DiskInUse use(state);
+        seen.insert(VemoKesConfigTools::ReadImageInfo(path).chipId);
+        make(3);
+        EXPECT_EQ(VemoKesConfigTools::ReadImageInfo(path).chipId, 3);
+        EXPECT_EQ(state.Files().size(), 2U) << Names(state);
+    });
+    EXPECT_EQ(seen, (std::set<int>{1, 2}));
 }
 
 TEST_F(SavesOnLyingDisk, AppearWholeWhereNothingWas) {
@@ -300,7 +331,8 @@ TEST_F(SavesOnLyingDisk, AppearWholeWhereNothingWas) {
             const files::DiskInUse use(state);
             const std::string found = save.read();
             // An empty folder has no configuration either.
-            EXPECT_TRUE(found == after || found == before || found.find("No config data") != std::string::npos)
+            EXPECT_TRUE(found == after || found == before ||
+                        found.find("No config data") != std::string::npos)
                 << save.name << ": " << found;
             EXPECT_TRUE(save.save(OTHER_KEYS)) << LastError();
             EXPECT_EQ(save.read(), other) << save.name;

@@ -47,7 +47,8 @@ void Serve(const Channel& channel, const Globals& globals, const CheckWork& work
         const auto progress = [&](std::uint64_t bytes) { channel.Send(Packed({{"progress", bytes}})); };
         for (std::string request; channel.Receive(request);) {
             const ConfigSource& source = work.sources[Json::from_cbor(request).get<std::size_t>()];
-            const ConfigReport report = CheckConfig(loader, source, work.summaries, globals.lockWait, progress);
+            const ConfigReport report =
+                CheckConfig(loader, source, work.summaries, globals.lockWait, progress);
             if (!channel.Send(Packed({{"report", ToJson(report)}}))) return;
         }
     } catch (const Failure& failure) {

@@ -120,7 +120,8 @@ void CheckNode(const ConfigSource& device, std::uint32_t size) {
     const auto status = files::Look(path);
     if (!status || status->kind == files::FileKind::REGULAR) return;
     if (status->kind != files::FileKind::BLOCK_DEVICE)
-        throw Failure(EXIT_USAGE, device.word + ": is neither a file nor a block device; nothing was written");
+        throw Failure(EXIT_USAGE,
+                      device.word + ": is neither a file nor a block device; nothing was written");
     const std::uint64_t capacity = VemoKesConfigTools::LookAtSite(path).size;
     if (capacity == size) return;
     throw Failure(EXIT_USAGE, device.word + ": is a block device of " + std::to_string(capacity) +

@@ -122,8 +122,8 @@ int EditText(const Globals& globals, const EditOptions& options, const ConfigSou
     const std::string target = options.output.empty() ? text.target : options.output;
     const std::string& before = input.Text()->Content();
     if (options.dryRun) {
-        std::cout << ForOutput(UnifiedDiff(input.Name(), input.Name() + " (changed)",
-                                            isNew ? std::string() : before, *edited));
+        std::cout << ForOutput(
+            UnifiedDiff(input.Name(), input.Name() + " (changed)", isNew ? std::string() : before, *edited));
         return EXIT_FINE;
     }
     if (IsStandardOutput(target)) {

@@ -29,7 +29,9 @@ std::vector<std::string> PlaceCells(const api::KeyValue& key) {
 /// A configuration that was loaded for a list of its keys.
 struct Listed {
     Listed(const Globals& globals, const std::string& name, const PlaceOptions& place)
-        : loader(globals), input(OpenConfig(globals, ConfigSource(name))), result(loader.LoadWhatIsGood(input)) {
+        : loader(globals),
+          input(OpenConfig(globals, ConfigSource(name))),
+          result(loader.LoadWhatIsGood(input)) {
         if (result != EXIT_FINE) return;
         const PlaceFilter filter(loader.Library(), *loader.Chip(), place);
         loader.LoadDefaults(filter.Subsystems());

@@ -37,8 +37,8 @@ std::string ReadSource(const std::string& name) {
     }
 }
 
-int ReportFaults(const Globals& globals, const MetadataOptions& options, const std::vector<std::string>& texts,
-                 const std::vector<metadb::SourceFault>& faults) {
+int ReportFaults(const Globals& globals, const MetadataOptions& options,
+                 const std::vector<std::string>& texts, const std::vector<metadb::SourceFault>& faults) {
     Diagnostics diagnostics(globals.noColor);
     std::vector<SourceLines> lines(texts.begin(), texts.end());
     for (const metadb::SourceFault& fault : faults) {
@@ -137,7 +137,8 @@ void AddMetadata(CLI::App& app, Globals& globals) {
     AddForceOption(*exports, options->replace);
     AddLockOption(*exports, globals);
     AddExamples(*exports, {{"kes metadata export chip.db -o chip.json", "Get the source back"}});
-    exports->callback([&globals, options] { globals.run = [&globals, options] { return Export(globals, *options); }; });
+    exports->callback(
+        [&globals, options] { globals.run = [&globals, options] { return Export(globals, *options); }; });
 
     CLI::App* check = command->add_subcommand("check", "Check a database for damage");
     check->add_option("DB", options->database, "The database")->required();

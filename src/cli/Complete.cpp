@@ -300,7 +300,8 @@ private:
         if (!mGlobals.chip.empty() || (source.IsText() && !std::filesystem::is_regular_file(source.target))) {
             return session.FindChip(mGlobals.chip);
         }
-        const std::shared_ptr<api::Chip> named = session.TryChip(ConfigInput(source, InputAccess::PEEK, mGlobals.lockWait).System());
+        const std::shared_ptr<api::Chip> named =
+            session.TryChip(ConfigInput(source, InputAccess::PEEK, mGlobals.lockWait).System());
         return named ? named : session.FindChip({});
     }
 

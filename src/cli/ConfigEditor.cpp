@@ -187,8 +187,8 @@ bool ConfigEditor::EndInTheirLines(const std::vector<EditTarget>& targets,
 /// `Change` for the places in which the library sets no single values: by a text that is merged.
 bool ConfigEditor::ChangeByText(const EditTarget& target, const Assignment& assignment) {
     std::string text("subsystem=" + Text(target.subsystem->Name()) + "\ndevice=" +
-                          DeviceName(target.place.device) + "\nstore=" + std::to_string(target.place.store) +
-                          "\n" + assignment.key.text + "=" + assignment.value + "\n");
+                     DeviceName(target.place.device) + "\nstore=" + std::to_string(target.place.store) +
+                     "\n" + assignment.key.text + "=" + assignment.value + "\n");
     return mLoader.Facade().LoadTextFromMemory(std::move(text), /*merge=*/true);
 }
 

@@ -26,8 +26,8 @@ files::FileLock LockFor(const ConfigSource& source, InputAccess access, std::chr
     return {PathOf(source), mode, wait};
 }
 
-/// All chunk files of a folder. The library passes over what it cannot read; here nobody may take a part for the
-/// whole.
+/// All chunk files of a folder. The library passes over what it cannot read; here nobody may take a part for
+/// the whole.
 std::vector<api::ChunkContent> ReadChunks(const std::string& folder) {
     std::vector<api::ChunkContent> chunks;
     for (const files::SetEntry& entry : files::ListSet(folder, VemoKesConfigTools::CHUNK_EXTENSION)) {
@@ -41,7 +41,13 @@ std::vector<api::ChunkContent> ReadChunks(const std::string& folder) {
 }  // namespace
 
 std::string PathOf(const ConfigSource& source) {
-    return source.IsDevice() ? VemoKesConfigTools::PathOfConnection(source.target) : source.target;
+    if (!source.IsDevice()) return source.target;
+    try {
+        return VemoKesConfigTools::PathOfConnection(source.target);
+    } catch (const VemoKesConfigTools::Refusal&) {
+        // The plug-in will say what is wrong with it.
+        return source.target;
+    }
 }
 
 ConfigInput::ConfigInput(ConfigSource source, InputAccess access, std::chrono::milliseconds lockWait)
@@ -52,8 +58,6 @@ ConfigInput::ConfigInput(ConfigSource source, InputAccess access, std::chrono::m
     } catch (const files::FileError& error) {
         throw Failure(EXIT_SYSTEM,
                       error.Path() == mSource.target ? error.Reason() : std::string(error.what()));
-    } catch (const VemoKesConfigTools::Refusal& refusal) {
-        throw Failure(EXIT_USAGE, refusal.what());
     }
     if (mSource.IsText()) mText.emplace(mSource.target);
 }
@@ -69,8 +73,7 @@ std::uint64_t ConfigInput::SizeOf(const ConfigSource& source) {
 
 std::string ConfigInput::System() const {
     if (mText) return mText->Version();
-    if (mSource.IsDevice())
-        return VemoKesConfigTools::SystemOfImage(mSource.target).value_or(std::string());
+    if (mSource.IsDevice()) return VemoKesConfigTools::SystemOfImage(mSource.target).value_or(std::string());
     // The first by name that tells one.
     const api::ChunkContent* first = nullptr;
     for (const api::ChunkContent& chunk : mChunks) {

@@ -21,8 +21,8 @@ enum class InputAccess {
     CHANGE  ///< nobody else may have it until it is written
 };
 
-/// A configuration that is there to be read, locked for as long as the object lives. Throws `Failure` when a file
-/// or folder cannot be read, or stays locked; of a device only its plug-in can tell.
+/// A configuration that is there to be read, locked for as long as the object lives. Throws `Failure` when a
+/// file or folder cannot be read, or stays locked; of a device only its plug-in can tell.
 class ConfigInput {
 public:
     ConfigInput(ConfigSource source, InputAccess access, std::chrono::milliseconds lockWait);
@@ -39,8 +39,8 @@ public:
     static std::uint64_t SizeOf(const ConfigSource& source);
     /// The label of the system that it names itself; empty without one. Good for a default only.
     std::string System() const;
-    /// Puts it in place of what a facade holds. The result alone does not tell that all of a folder was read; any
-    /// error that was heard does.
+    /// Puts it in place of what a facade holds. The result alone does not tell that all of a folder was read;
+    /// any error that was heard does.
     bool Load(VEMO::Kes::ConfigurationTools::FrameworkFacade& facade) const;
     /// Lets others at it. What was read stays.
     void Unlock() { mLock = {}; }

@@ -84,7 +84,8 @@ std::vector<std::string> ConfigLoader::NotesOn(const TextFinding& said) {
 
 ConfigReport ConfigLoader::Read(const ConfigInput& input, Progress progress, const Found& found) {
     const bool guessed = ChooseChip(input);
-    SourceLines lines(input.Text() != nullptr ? std::string_view(input.Text()->Content()) : std::string_view());
+    SourceLines lines(input.Text() != nullptr ? std::string_view(input.Text()->Content())
+                                              : std::string_view());
     std::exception_ptr failure;
     // No exception of ours may go through the reader.
     const auto pass = [&](const TextFinding& said) {

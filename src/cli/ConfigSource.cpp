@@ -1,7 +1,6 @@
 #include "cli/ConfigSource.h"
 
 #include "cli/ExitCodes.h"
-
 #include "files/Files.h"
 #include "host/HostString.h"
 

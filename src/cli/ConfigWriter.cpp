@@ -39,11 +39,11 @@ api::HostString ConfigWriter::RenderText(std::string& text, const api::TextForm&
     return mLoader.Facade().FirstDifference(again);
 }
 
-ExitCode ConfigWriter::ReplaceText(const ConfigInput& input, const OutputFile& output, const std::string& text,
-                                   bool dropComments) {
+ExitCode ConfigWriter::ReplaceText(const ConfigInput& input, const OutputFile& output,
+                                   const std::string& text, bool dropComments) {
     const TextFile* const before = input.Text();
-    const bool isInput = before != nullptr && output.Before() &&
-                         output.Before()->status.IsSameFile(before->File().status);
+    const bool isInput =
+        before != nullptr && output.Before() && output.Before()->status.IsSameFile(before->File().status);
     if (!isInput) {
         output.Write(text);
         return EXIT_FINE;
@@ -51,11 +51,11 @@ ExitCode ConfigWriter::ReplaceText(const ConfigInput& input, const OutputFile& o
     if (before->Content() == text) return EXIT_FINE;
     const std::vector<std::string> lost = CommentsMissing(before->Content(), text);
     if (!lost.empty() && !dropComments) {
-        mLoader.Messages().Report(
-            input.Name(), "error",
-            std::to_string(lost.size()) + (lost.size() == 1 ? " comment" : " comments") +
-                " would be lost, the first of them \"" + lost.front() +
-                "\"; nothing was written, --drop-comments allows it");
+        mLoader.Messages().Report(input.Name(), "error",
+                                  std::to_string(lost.size()) +
+                                      (lost.size() == 1 ? " comment" : " comments") +
+                                      " would be lost, the first of them \"" + lost.front() +
+                                      "\"; nothing was written, --drop-comments allows it");
         return EXIT_FINDINGS;
     }
     output.Write(text, &before->File());

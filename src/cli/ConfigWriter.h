@@ -17,8 +17,8 @@ public:
     /// Makes a text that reads back. Gives where it would not read back the same, null when it does. Throws
     /// `Failure`.
     api::HostString RenderText(std::string& text, const api::TextForm& form);
-    /// Puts a rendered text into a file, unless that is the input itself and would lose comments of its author.
-    /// `EXIT_FINE`, or another code with the reason printed. Throws `Failure`.
+    /// Puts a rendered text into a file, unless that is the input itself and would lose comments of its
+    /// author. `EXIT_FINE`, or another code with the reason printed. Throws `Failure`.
     ExitCode ReplaceText(const ConfigInput& input, const OutputFile& output, const std::string& text,
                          bool dropComments);
     /// The configuration as a text of one line for each key. Throws `Failure`.

@@ -37,7 +37,8 @@ void AddLockOption(CLI::App& command, Globals& globals) {
             "--lock-timeout",
             [&globals](double seconds) {
                 constexpr double MILLISECONDS = 1000;
-                globals.lockWait = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * MILLISECONDS));
+                globals.lockWait =
+                    std::chrono::milliseconds(static_cast<std::int64_t>(seconds * MILLISECONDS));
             },
             "How long to wait for what another process has locked, in seconds (default: 10)")
         ->check(CLI::Range(0.0, LONGEST))

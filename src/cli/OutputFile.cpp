@@ -33,8 +33,9 @@ std::string NameOfContent(const std::string& content) {
 }  // namespace
 
 void AddForceOption(CLI::App& command, OutputOptions& options) {
-    command.add_flag("--force", options.force,
-                     "Replace a file of another kind, one that is write-protected, and one with several hard links");
+    command.add_flag(
+        "--force", options.force,
+        "Replace a file of another kind, one that is write-protected, and one with several hard links");
 }
 
 bool IsStandardOutput(const std::string& path) {
@@ -42,13 +43,14 @@ bool IsStandardOutput(const std::string& path) {
     return std::ranges::find(NAMES, path) != std::end(NAMES);
 }
 
-OutputFile::OutputFile(const Globals& globals, const std::string& path, const Kind& kind, OutputOptions options)
+OutputFile::OutputFile(const Globals& globals, const std::string& path, const Kind& kind,
+                       OutputOptions options)
     : mGlobals(globals), mPath(path), mOptions(options) {
     try {
         mLock = files::FileLock(path, files::LockMode::EXCLUSIVE, globals.lockWait);
         const auto status = files::Look(path);
         if (!status) return;
-        if (status->kind == files::FileKind::FOLDER) throw Failure(EXIT_USAGE, path + ": is a directory");
+        if (status->kind == files::FileKind::FOLDER) throw Failure(EXIT_SYSTEM, path + ": is a directory");
         if (status->kind == files::FileKind::BLOCK_DEVICE)
             throw Failure(EXIT_USAGE, path + ": is a block device");
         mIsStream = status->kind != files::FileKind::REGULAR;
@@ -85,8 +87,9 @@ void CheckChunkFolder(const std::string& folder) {
         for (const files::SetEntry& entry : files::ListSet(folder, VemoKesConfigTools::CHUNK_EXTENSION)) {
             const std::string content = files::ReadSetFile(folder, entry);
             if (content.empty() || VemoKesConfigTools::IsChunk(content)) continue;
-            throw Failure(EXIT_USAGE, files::Join(folder, entry.name) + ": is " + NameOfContent(content) +
-                                          ", not a chunk file; nothing was written, remove it or use --force");
+            throw Failure(EXIT_USAGE,
+                          files::Join(folder, entry.name) + ": is " + NameOfContent(content) +
+                              ", not a chunk file; nothing was written, remove it or use --force");
         }
     } catch (const files::FileError& error) {
         throw Failure(EXIT_SYSTEM, error.what());
@@ -97,7 +100,9 @@ OutputFile::Kind ConfigTextKind(const Globals& globals, const ConfigLoader& load
     return {"a configuration text", [&](const std::string& content) {
                 const VemoKesConfigTools::CTextIndex index(content, globals.database,
                                                            Text(loader.Chip()->SystemVersionLabel()));
-                return std::ranges::any_of(index.Lines(), [](const auto& line) { return line.error == 0; });
+                // Blanks and comments alone are as good as nothing.
+                return index.Lines().empty() ||
+                       std::ranges::any_of(index.Lines(), [](const auto& line) { return line.error == 0; });
             }};
 }
 

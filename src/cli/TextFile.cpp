@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <iostream>
 #include <iterator>
 #include <string_view>
@@ -62,7 +63,7 @@ TextFile::TextFile(const std::string& name) : mName(name) {
         try {
             mFile = files::ReadFile(name, files::Readable::ANYTHING);
         } catch (const files::FileError& error) {
-            throw Failure(EXIT_SYSTEM, error.Reason());
+            throw Failure(EXIT_SYSTEM, error.Number() == EISDIR ? "is a directory" : error.Reason());
         }
     }
     mVersion = FindVersion(mFile.bytes);

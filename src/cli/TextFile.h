@@ -7,8 +7,8 @@
 
 namespace kes::cli {
 
-/// A configuration text as the command was given it, read whole: a file, a pipe, or "-" for standard input. Throws
-/// `Failure` when not all of it can be read.
+/// A configuration text as the command was given it, read whole: a file, a pipe, or "-" for standard input.
+/// Throws `Failure` when not all of it can be read.
 class TextFile {
 public:
     explicit TextFile(const std::string& name);

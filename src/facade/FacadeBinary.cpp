@@ -19,8 +19,7 @@ using namespace VemoKesConfigTools;
 
 namespace {
 
-constexpr const char* NO_CHUNKS =
-    "Folder does not contain readable *.kcf files. No config data found.";
+constexpr const char* NO_CHUNKS = "Folder does not contain readable *.kcf files. No config data found.";
 
 /// The chunk files of a folder in the order of the file system. Throws for a folder that cannot be listed.
 std::vector<files::SetEntry> ChunkFilesOf(const std::string& folder) {

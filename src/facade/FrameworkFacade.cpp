@@ -210,8 +210,8 @@ void FrameworkFacade::EmptyBuffer() {
     mpBuffer->clear();
 }
 
-/// Makes a file, which `read` gives or throws `FileError` for, the content of the buffer. False when it is empty or
-/// cannot be read, with a status report of the cause.
+/// Makes a file, which `read` gives or throws `FileError` for, the content of the buffer. False when it is
+/// empty or cannot be read, with a status report of the cause.
 bool FrameworkFacade::FillBuffer(const char* function, const std::function<std::string()>& read) {
     try {
         std::string content = read();

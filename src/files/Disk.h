@@ -39,10 +39,10 @@ enum class OpenFor {
 
 enum class LockMode { SHARED, EXCLUSIVE };
 
-/// The operating system as far as files are concerned: every access of the library to a file goes through this
-/// interface, so that tests can put a disk there that fails, forgets and reorders. One call is one call of the
-/// system: it may be cut short or interrupted (EINTR), which the callers deal with. Paths are bytes. Results of
-/// 0 or more are success, negative ones are numbers of `errno` with their sign changed.
+/// The operating system as far as files are concerned: every access of the library to a file goes through
+/// this interface, so that tests can put a disk there that fails, forgets and reorders. One call is one call
+/// of the system: it may be cut short or interrupted (EINTR), which the callers deal with. Paths are bytes.
+/// Results of 0 or more are success, negative ones are numbers of `errno` with their sign changed.
 class IDisk {
 public:
     IDisk() = default;
@@ -50,8 +50,8 @@ public:
     IDisk& operator=(const IDisk&) = delete;
     virtual ~IDisk() = default;
 
-    /// Gives a handle, to be closed by the caller. The last name of the path is not followed when it is a link
-    /// and the file is to be new.
+    /// Gives a handle, to be closed by the caller. The last name of the path is not followed when it is a
+    /// link and the file is to be new.
     virtual int Open(const std::string& path, OpenFor use) = 0;
     virtual int Close(int handle) = 0;
     /// Gives how many bytes came; 0 is the end of the file.
@@ -93,7 +93,8 @@ public:
 /// The disk in use: that of the operating system, unless a test has put another one there.
 KES_API IDisk& Disk();
 
-/// Puts another disk in place of the one in use for as long as the object lives. For tests; no file may be open.
+/// Puts another disk in place of the one in use for as long as the object lives. For tests; no file may be
+/// open.
 class KES_API DiskInUse {
 public:
     explicit DiskInUse(IDisk& disk);

@@ -238,7 +238,8 @@ std::string PosixDisk::LockHolder(int handle) {
         unsigned minor = 0;
         unsigned long inode = 0;
         // "1: FLOCK  ADVISORY  WRITE 123 08:01:4711 0 EOF"; who waits has "->" after the number.
-        if (std::sscanf(line.data(), "%*d: FLOCK %*s %*s %ld %x:%x:%lu", &process, &major, &minor, &inode) != 4)
+        if (std::sscanf(line.data(), "%*d: FLOCK %*s %*s %ld %x:%x:%lu", &process, &major, &minor, &inode) !=
+            4)
             continue;
         if (inode != file.st_ino || major != ::major(file.st_dev) || minor != ::minor(file.st_dev)) continue;
         const std::string program = ProgramOf(process);

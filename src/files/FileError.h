@@ -7,8 +7,8 @@
 
 namespace VemoKesConfigTools::files {
 
-/// What was being done when a file, folder or device failed. A replacement is refused where force would have made
-/// it; a file that was changed meanwhile is left alone in any case.
+/// What was being done when a file, folder or device failed. A replacement is refused where force would have
+/// made it; a file that was changed meanwhile is left alone in any case.
 enum class FileAction { OPEN, READ, WRITE, LOCK, REFUSED, CHANGED };
 
 /// A file operation that failed: what was done, on which path, and the cause in words. `what()` is

@@ -18,8 +18,8 @@ struct FileLock::Entry {
     std::shared_ptr<Entry> successor;  ///< the file that has taken the name meanwhile
 };
 
-/// All locks of the process by the identity of their files. A descriptor of its own would lock out the process
-/// itself.
+/// All locks of the process by the identity of their files. A descriptor of its own would lock out the
+/// process itself.
 struct FileLock::Table {
     using Identity = std::pair<std::uint64_t, std::uint64_t>;
 
@@ -65,6 +65,15 @@ bool CanBeLocked(FileKind kind) {
 /// The file that stands for the path: its own, or its folder's when it is not there.
 std::string LockedPath(const std::string& path) { return Look(path) ? path : FolderOf(path); }
 
+/// Nothing for what cannot be opened: whoever wants to read or write it will say why.
+std::optional<OpenFile> OpenForLock(const std::string& path) {
+    try {
+        return OpenFile(path, OpenFor::READING);
+    } catch (const FileError&) {
+        return std::nullopt;
+    }
+}
+
 std::string TextOf(std::chrono::milliseconds wait) {
     constexpr int THOUSAND = 1000;
     const auto count = wait.count();
@@ -79,12 +88,12 @@ FileLock::FileLock(const std::string& path, LockMode mode, std::chrono::millisec
     for (std::chrono::milliseconds waited(0);; waited += STEP_TIME) {
         const std::string locked = LockedPath(path);
         const std::optional<FileStatus> status = Look(locked);
-        if (status && !CanBeLocked(status->kind)) return;
+        if (!status || !CanBeLocked(status->kind)) return;
         std::string holder;
         {
             Table& table = Table::Ref();
             const std::lock_guard guard(table.mutex);
-            std::shared_ptr<Entry> held = status ? table.Find(*status) : nullptr;
+            std::shared_ptr<Entry> held = table.Find(*status);
             const bool joins = held && (held->mode == LockMode::EXCLUSIVE || mode == LockMode::SHARED);
             if (joins) {
                 mEntry = std::move(held);
@@ -98,23 +107,24 @@ FileLock::FileLock(const std::string& path, LockMode mode, std::chrono::millisec
                 }
                 holder = Disk().LockHolder(held->file.Handle());
             } else {
-                OpenFile file(locked, OpenFor::READING);
-                const Outcome outcome = Try(file, mode);
+                std::optional<OpenFile> file = OpenForLock(locked);
+                if (!file) return;
+                const Outcome outcome = Try(*file, mode);
                 if (outcome == Outcome::NO_LOCKS) return;
                 if (outcome == Outcome::TAKEN) {
                     // Whoever held it may have put another file in its place.
                     const std::optional<FileStatus> now = Look(LockedPath(path));
-                    if (!now || !now->IsSameFile(file.Status())) continue;
-                    mEntry = table.Add(std::move(file), mode);
+                    if (!now || !now->IsSameFile(file->Status())) continue;
+                    mEntry = table.Add(std::move(*file), mode);
                     return;
                 }
-                holder = Disk().LockHolder(file.Handle());
+                holder = Disk().LockHolder(file->Handle());
             }
         }
         if (waited >= wait) {
-            throw FileError(FileAction::LOCK, path,
-                            "is locked by " + (holder.empty() ? "another process" : holder) + "; waited " +
-                                TextOf(wait));
+            throw FileError(
+                FileAction::LOCK, path,
+                "is locked by " + (holder.empty() ? "another process" : holder) + "; waited " + TextOf(wait));
         }
         Disk().Sleep(STEP);
     }

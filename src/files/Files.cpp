@@ -2,6 +2,8 @@
 
 #include "files/OpenFile.h"
 
+#include <cerrno>
+
 namespace VemoKesConfigTools::files {
 
 namespace {
@@ -62,9 +64,15 @@ std::string Join(const std::string& folder, std::string_view name) {
 }
 
 void WriteThrough(const std::string& path, std::string_view bytes) {
-    OpenFile file(path, OpenFor::WRITING);
-    file.WriteNext(bytes);
-    file.Close();
+    try {
+        OpenFile file(path, OpenFor::WRITING);
+        file.WriteNext(bytes);
+        file.Close();
+    } catch (const FileError& error) {
+        if (error.Number() == ENXIO)
+            throw FileError(FileAction::WRITE, path, "no program reads from the pipe");
+        throw;
+    }
 }
 
 }  // namespace VemoKesConfigTools::files

@@ -19,8 +19,8 @@ struct FolderJournal {
 
 /// The name of a committed journal.
 inline constexpr std::string_view JOURNAL_NAME = ".kes-journal";
-/// The mark of files that wait for their names. They are not those of a single replaced file, which anybody who
-/// has its lock may clear.
+/// The mark of files that wait for their names. They are not those of a single replaced file, which anybody
+/// who has its lock may clear.
 inline constexpr std::string_view SET_MARK = ".kes-set-";
 
 std::string EncodeJournal(const FolderJournal& journal);

@@ -111,8 +111,9 @@ std::vector<std::string> SetWriter::Commit(const SetChange& change) {
     try {
         FinishJournal(folder, journal);
     } catch (const FileError& error) {
-        throw FileError(error.Action(), error.Path(),
-                        error.Cause() + "; the new files count all the same, and the next save finishes this");
+        throw FileError(
+            error.Action(), error.Path(),
+            error.Cause() + "; the new files count all the same, and the next save finishes this");
     }
     return notes;
 }

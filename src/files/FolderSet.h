@@ -10,10 +10,10 @@
 
 namespace VemoKesConfigTools::files {
 
-// Files of a folder that are one thing together: a save replaces them all or none. A save brings all new files to
-// the disk under temporary names and then commits by giving a journal, which lists the names, its own name. Only
-// after that the files take their names. Where a save was cut, a reader takes the files as the journal has them,
-// and the next save finishes the work first.
+// Files of a folder that are one thing together: a save replaces them all or none. A save brings all new
+// files to the disk under temporary names and then commits by giving a journal, which lists the names, its
+// own name. Only after that the files take their names. Where a save was cut, a reader takes the files as the
+// journal has them, and the next save finishes the work first.
 
 /// A file of a set.
 struct SetFile {
@@ -28,8 +28,8 @@ struct SetEntry {
     std::string path;
 };
 
-/// The files of a folder whose names have this ending, as the last save that was committed has left them, in the
-/// order of the file system. Folders, pipes and links to nothing are among them. Throws `FileError`.
+/// The files of a folder whose names have this ending, as the last save that was committed has left them, in
+/// the order of the file system. Folders, pipes and links to nothing are among them. Throws `FileError`.
 KES_API std::vector<SetEntry> ListSet(const std::string& folder, std::string_view ending);
 /// The content of a file that `ListSet` gave. Throws `FileError`.
 KES_API std::string ReadSetFile(const std::string& folder, const SetEntry& entry);
@@ -40,8 +40,8 @@ struct SetChange {
     std::vector<std::string> removed;  ///< names of files that go
 };
 
-/// The lock of a folder for a save, with what was left of an earlier one put in order. The folder is made where it
-/// is missing, and goes with the object when nothing was committed. Throws `FileError`.
+/// The lock of a folder for a save, with what was left of an earlier one put in order. The folder is made
+/// where it is missing, and goes with the object when nothing was committed. Throws `FileError`.
 class KES_API SetWriter {
 public:
     explicit SetWriter(const std::string& folder);
@@ -49,8 +49,8 @@ public:
     SetWriter& operator=(const SetWriter&) = delete;
     ~SetWriter();
 
-    /// Makes the change as a whole. Gives notes as `ReplaceFile` does. Throws `FileError`; the folder is then as
-    /// it was, unless the text says otherwise.
+    /// Makes the change as a whole. Gives notes as `ReplaceFile` does. Throws `FileError`; the folder is then
+    /// as it was, unless the text says otherwise.
     std::vector<std::string> Commit(const SetChange& change);
 
 private:

@@ -11,8 +11,8 @@
 
 namespace VemoKesConfigTools::files {
 
-/// A file of fixed size that is written in place, as a memory chip is. Readers share it, a writer has it alone.
-/// Every failure throws `FileError`.
+/// A file of fixed size that is written in place, as a memory chip is. Readers share it, a writer has it
+/// alone. Every failure throws `FileError`.
 class KES_API InPlaceFile {
 public:
     /// Opens a regular file or block device and locks it.

@@ -47,9 +47,9 @@ std::string OpenFile::ReadAll() const {
         size += static_cast<std::size_t>(came);
     }
     if (isRegular && size < status.size) {
-        throw FileError(FileAction::READ, mPath,
-                        "it ended after " + std::to_string(size) + " of " + std::to_string(status.size) +
-                            " bytes");
+        throw FileError(
+            FileAction::READ, mPath,
+            "it ended after " + std::to_string(size) + " of " + std::to_string(status.size) + " bytes");
     }
     bytes.resize(size);
     return bytes;

@@ -35,8 +35,8 @@ public:
     void Write(std::uint64_t offset, std::string_view bytes) const;
     /// Writes where the file stands: to a pipe, terminal or other device.
     void WriteNext(std::string_view bytes) const;
-    /// Returns once all that was written lies on the disk. A file that has nothing to bring there, such as the
-    /// node of a chip, is in order.
+    /// Returns once all that was written lies on the disk. A file that has nothing to bring there, such as
+    /// the node of a chip, is in order.
     void Sync() const;
     /// Closes it now; a failure to do so is an error of writing.
     void Close();

@@ -31,7 +31,9 @@ protected:
         return sputc(traits_type::to_char_type(next));
     }
 
-    int sync() override { return traits_type::eq_int_type(overflow(traits_type::eof()), traits_type::eof()) ? -1 : 0; }
+    int sync() override {
+        return traits_type::eq_int_type(overflow(traits_type::eof()), traits_type::eof()) ? -1 : 0;
+    }
 
 private:
     static constexpr std::size_t SIZE = 65536;

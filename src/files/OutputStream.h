@@ -8,8 +8,8 @@
 
 namespace VemoKesConfigTools::files {
 
-/// A file that is written from its start as it comes, without the care of `ReplaceFile`: what was there is gone
-/// once it is open. A failure sets the stream's bad state.
+/// A file that is written from its start as it comes, without the care of `ReplaceFile`: what was there is
+/// gone once it is open. A failure sets the stream's bad state.
 class KES_API OutputStream : public std::ostream {
 public:
     /// Fails, with the bad state set, when the file cannot be opened.

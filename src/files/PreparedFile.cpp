@@ -17,8 +17,7 @@ std::optional<FileStatus> CheckTarget(const std::string& path, bool force) {
     const std::optional<FileStatus> old = Look(path);
     if (!old) return old;
     if (old->kind == FileKind::FOLDER) throw FileError(FileAction::WRITE, path, EISDIR);
-    if (old->kind != FileKind::REGULAR)
-        throw FileError(FileAction::WRITE, path, "it is not a regular file");
+    if (old->kind != FileKind::REGULAR) throw FileError(FileAction::WRITE, path, "it is not a regular file");
     if (force) return old;
     if (old->links > 1) {
         throw FileError(FileAction::REFUSED, path,
@@ -38,8 +37,8 @@ std::uint32_t WithoutGroup(std::uint32_t mode) {
     return (mode & NOT_GROUP) | (mode & ((mode & EVERYBODY) << GROUP_SHIFT));
 }
 
-/// Gives a new file the access of the old one. A step that the system refuses narrows it: a group or list that
-/// is not the old one must not get what that had.
+/// Gives a new file the access of the old one. A step that the system refuses narrows it: a group or list
+/// that is not the old one must not get what that had.
 void KeepAccess(const OpenFile& file, const FileStatus& old, const std::string& path,
                 std::vector<std::string>& notes) {
     constexpr std::uint32_t SET_IDS = 06000;

@@ -10,8 +10,8 @@ namespace VemoKesConfigTools::files {
 
 class TemporaryFile;
 
-/// A file of this content in the folder for temporary files, under a name that nobody can guess and for the user
-/// alone; gone with the object, or with a signal that ends the process. For what needs a path.
+/// A file of this content in the folder for temporary files, under a name that nobody can guess and for the
+/// user alone; gone with the object, or with a signal that ends the process. For what needs a path.
 class KES_API ScratchFile {
 public:
     /// Throws `FileError`.

@@ -68,10 +68,14 @@ bool IsTemporaryFor(std::string_view temporary, std::string_view name, std::stri
 }
 
 void ClearTemporaries(const std::string& folder, std::string_view name, std::string_view mark) {
-    for (const std::string& found : ListFolder(folder)) {
+    std::vector<std::string> names;
+    // What cannot be listed is not cleared; whether it can be written will show.
+    if (Disk().List(folder, names) < 0) return;
+    for (const std::string& found : names) {
         const std::size_t at = found.rfind(mark);
         if (at == std::string::npos || at == 0) continue;
-        if (!IsTemporaryFor(found, name.empty() ? std::string_view(found).substr(1, at - 1) : name, mark)) continue;
+        if (!IsTemporaryFor(found, name.empty() ? std::string_view(found).substr(1, at - 1) : name, mark))
+            continue;
         const std::string path = Join(folder, found);
         FileStatus status;
         if (Disk().StatusOf(path, /*follow=*/false, status) < 0 || status.kind != FileKind::REGULAR) continue;

@@ -100,11 +100,13 @@ void LyingDisk::ForEachCut(std::mt19937& random, const std::function<void(LyingD
         const std::size_t none = mLog.size();
         if (unsure.size() <= MOST_WHOLE) {
             for (std::size_t set = 0; set < std::size_t{1} << unsure.size(); ++set)
-                build(count, unsure, [&](std::size_t n) { return ((set >> n) & 1U) != 0; }, none, 0);
+                build(
+                    count, unsure, [&](std::size_t n) { return ((set >> n) & 1U) != 0; }, none, 0);
         } else {
             for (std::size_t i = 0; i < RANDOM_TRIES; ++i) {
                 const auto density = random() % 9;
-                build(count, unsure, [&](std::size_t) { return random() % 8 < density; }, none, 0);
+                build(
+                    count, unsure, [&](std::size_t) { return random() % 8 < density; }, none, 0);
             }
         }
         // The last write in part, with all or nothing of the others.
@@ -115,7 +117,9 @@ void LyingDisk::ForEachCut(std::mt19937& random, const std::function<void(LyingD
         for (const std::size_t cut : cuts) {
             if (cut == 0 || cut >= size) continue;
             for (const bool others : {false, true})
-                build(count, unsure, [&](std::size_t n) { return others || unsure[n] == count - 1; }, count - 1, cut);
+                build(
+                    count, unsure, [&](std::size_t n) { return others || unsure[n] == count - 1; }, count - 1,
+                    cut);
         }
     }
 }
@@ -133,7 +137,8 @@ int LyingDisk::Fault() {
         if (mInterrupts) return EINTR;
     }
     ++mCalls;
-    const bool fails = mFailingCall != 0 && (mCalls == mFailingCall || (mFailsForEver && mCalls > mFailingCall));
+    const bool fails =
+        mFailingCall != 0 && (mCalls == mFailingCall || (mFailsForEver && mCalls > mFailingCall));
     return fails ? mError : 0;
 }
 
@@ -184,7 +189,8 @@ void LyingDisk::Write(Node& node, std::uint64_t offset, std::string_view bytes) 
 
 void LyingDisk::Apply(Nodes& nodes, const Change& change, std::size_t bytes) {
     Node& node = nodes[change.node];
-    if (change.kind == Change::Kind::WRITE) Write(node, change.offset, std::string_view(change.bytes).substr(0, bytes));
+    if (change.kind == Change::Kind::WRITE)
+        Write(node, change.offset, std::string_view(change.bytes).substr(0, bytes));
     for (const auto& [name, number] : change.names) {
         if (number == 0) {
             node.names.erase(name);

@@ -32,7 +32,8 @@ public:
     Tree Files() const;
     void Put(const std::string& path, const std::string& content, std::uint32_t mode = 0644);
     const std::string& Content(const std::string& path) const;
-    /// From here on the bytes of a file from `begin` to `end` only gain bits, as one-time-programmable memory.
+    /// From here on the bytes of a file from `begin` to `end` only gain bits, as one-time-programmable
+    /// memory.
     void OnlySetsBits(const std::string& path, std::uint64_t begin, std::uint64_t end);
 
     /// Takes what is there as what is on the disk, and forgets how it came there.

@@ -26,8 +26,8 @@ Refusal ToRefusal(const files::FileError& error, const std::string& subject);
 /// Stores the error `TEXT: SUBJECT: CAUSE`; the subject, a file for one, may be empty.
 void Report(const char* function, const Refusal& refusal, const std::string& subject);
 
-/// Does what may throw a `Refusal` or `FileError`, and reports it. `subject` may change meanwhile. Gives whether
-/// nothing was thrown.
+/// Does what may throw a `Refusal` or `FileError`, and reports it. `subject` may change meanwhile. Gives
+/// whether nothing was thrown.
 template <typename Body>
 bool Reporting(const char* function, const std::string& subject, const Body& body) {
     try {

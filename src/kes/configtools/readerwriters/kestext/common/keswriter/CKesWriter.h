@@ -53,7 +53,6 @@ public:
     virtual void GetSubsystemName(IConfigContext& context, const std::string& canonical, std::string& result);
 
 private:
-
     void OpenFile();
     void WriteOut(std::string_view text);
 
@@ -72,15 +71,15 @@ private:
 
     std::ostream* mpStream;
     IMetadataProvider* mpProvider;
-    std::string mBuffer;                 ///< the text of the element being composed
-    std::uint32_t mUid = 0;              ///< the number of the key of the element
-    std::string mFileName;               ///< empty when the writer works on a stream
-    bool mFirstField = true;             ///< the next value needs no separator in front of it
-    bool mNoPayloadYet = true;           ///< the element has not received a payload
-    bool mArrayOpen = false;             ///< the brace of a key-level array has been written
-    bool mRaw = false;                   ///< the element is written in raw form
-    bool mSimple = false;                ///< the element is written without comments and continuation lines
-    std::uint16_t mDepth = 0;            ///< nesting depth, two blanks of indentation each
+    std::string mBuffer;        ///< the text of the element being composed
+    std::uint32_t mUid = 0;     ///< the number of the key of the element
+    std::string mFileName;      ///< empty when the writer works on a stream
+    bool mFirstField = true;    ///< the next value needs no separator in front of it
+    bool mNoPayloadYet = true;  ///< the element has not received a payload
+    bool mArrayOpen = false;    ///< the brace of a key-level array has been written
+    bool mRaw = false;          ///< the element is written in raw form
+    bool mSimple = false;       ///< the element is written without comments and continuation lines
+    std::uint16_t mDepth = 0;   ///< nesting depth, two blanks of indentation each
     std::unique_ptr<files::OutputStream> mpFile;  ///< what `mpStream` is while `Begin` has opened a file
 };
 
