@@ -1,5 +1,5 @@
-// What the command promises of files: writers wait for one another, a kill leaves the old content or the new one,
-// and nothing is replaced that was not meant.
+// What the command promises of files: writers wait for one another, a kill leaves the old content or the new
+// one, and nothing is replaced that was not meant.
 
 #include "support/Files.h"
 
@@ -7,10 +7,10 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/file.h>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
@@ -23,16 +23,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool Holds(const std::string& text, const std::string& piece) { return text.find(piece) != std::string::npos; }
+bool Holds(const std::string& text, const std::string& piece) {
+    return text.find(piece) != std::string::npos;
+}
 
 /// A configuration of each kind with these keys, as the command names it.
 std::vector<std::string> MakeAll(const TempFolder& folder) {
-    folder.Write("t.ktf", "version = ostrell_520_2_3\nfile=bt1\nmax_acl_links = 1\nfile=wlan1\nantenna_gain = 0\n");
-    const Outcome made = RunShell(
-        folder,
-        "kes device create eeprom:e --size 4K && kes device create isp:i --size 8K && "
-        "kes device create kld:k --size 64K && "
-        "for to in c/ eeprom:e isp:i kld:k; do kes convert t.ktf $to || exit 1; done");
+    folder.Write("t.ktf",
+                 "version = ostrell_520_2_3\nfile=bt1\nmax_acl_links = 1\nfile=wlan1\nantenna_gain = 0\n");
+    const Outcome made =
+        RunShell(folder,
+                 "kes device create eeprom:e --size 4K && kes device create isp:i --size 8K && "
+                 "kes device create kld:k --size 64K && "
+                 "for to in c/ eeprom:e isp:i kld:k; do kes convert t.ktf $to || exit 1; done");
     EXPECT_EQ(made.code, 0) << made.err;
     return {"t.ktf", "c/", "eeprom:e", "isp:i", "kld:k"};
 }
@@ -48,9 +51,9 @@ TEST(Writers, AtTheSameTimeLoseNothing) {
         for (int round = 0; round < Rounds(); ++round) {
             const std::string links = std::to_string(1 + round % 7);
             const std::string gain = std::to_string(round % 5);
-            const Outcome both = RunShell(
-                folder, "kes set " + config + " max_acl_links=" + links + " & a=$!; kes set " + config +
-                            " antenna_gain=" + gain + " & b=$!; wait $a; x=$?; wait $b; exit $((x + $?))");
+            const Outcome both = RunShell(folder, "kes set " + config + " max_acl_links=" + links +
+                                                      " & a=$!; kes set " + config + " antenna_gain=" + gain +
+                                                      " & b=$!; wait $a; x=$?; wait $b; exit $((x + $?))");
             EXPECT_EQ(both.code, 0) << config << both.err;
             const Outcome got = RunShell(folder, "kes get " + config + " max_acl_links antenna_gain");
             EXPECT_EQ(got.out, "max_acl_links = " + links + "\nantenna_gain = " + gain + "\n")
@@ -62,11 +65,11 @@ TEST(Writers, AtTheSameTimeLoseNothing) {
 TEST(Writers, WhoBeginOneTextAreBothInIt) {
     for (int round = 0; round < Rounds(); ++round) {
         const TempFolder folder;
-        const Outcome both = RunShell(
-            folder,
-            "place='--device smem --store 1 --create --chip ostrell_520_2_3'; "
-            "kes set n max_acl_links=3 $place & a=$!; kes set n antenna_gain=2 $place & b=$!; "
-            "wait $a; x=$?; wait $b; exit $((x + $?))");
+        const Outcome both =
+            RunShell(folder,
+                     "place='--device smem --store 1 --create --chip ostrell_520_2_3'; "
+                     "kes set n max_acl_links=3 $place & a=$!; kes set n antenna_gain=2 $place & b=$!; "
+                     "wait $a; x=$?; wait $b; exit $((x + $?))");
         EXPECT_EQ(both.code, 0) << both.err;
         EXPECT_EQ(RunShell(folder, "kes get n max_acl_links antenna_gain").out,
                   "max_acl_links = 3\nantenna_gain = 2\n")
@@ -139,10 +142,11 @@ TEST(Kills, LeaveTheOldContentOrTheNewOne) {
 TEST(Outputs, AreReplacedByTheirOwnKindOnly) {
     const TempFolder folder;
     MakeAll(folder);
-    const Outcome made = RunShell(
-        folder, "kes metadata export '" KES_TEST_SHARE_DIR "/examples/ostrell.db' -o j.json && "
-                "kes metadata build j.json -o d.db && cp c/bt-eeprom-0001.kcf x.kcf && "
-                "printf 'PNG: not one of ours\\n' >photo && : >empty && mkfifo pipe");
+    const Outcome made =
+        RunShell(folder, "kes metadata export '" KES_TEST_SHARE_DIR
+                         "/examples/ostrell.db' -o j.json && "
+                         "kes metadata build j.json -o d.db && cp c/bt-eeprom-0001.kcf x.kcf && "
+                         "printf 'PNG: not one of ours\\n' >photo && : >empty && mkfifo pipe");
     ASSERT_EQ(made.code, 0) << made.err;
     const struct {
         const char* command;
@@ -168,9 +172,10 @@ TEST(Outputs, AreReplacedByTheirOwnKindOnly) {
                   0)
             << row.command;
     }
-    EXPECT_EQ(RunShell(folder, "kes convert t.ktf empty && kes convert t.ktf /dev/null && "
-                               "kes convert t.ktf /dev/stdout | grep -q max_acl_links && "
-                               "(cat pipe >got & kes convert t.ktf pipe; wait) && grep -q max_acl_links got")
+    EXPECT_EQ(RunShell(folder,
+                       "kes convert t.ktf empty && kes convert t.ktf /dev/null && "
+                       "kes convert t.ktf /dev/stdout | grep -q max_acl_links && "
+                       "(cat pipe >got & kes convert t.ktf pipe; wait) && grep -q max_acl_links got")
                   .code,
               0);
     folder.Write("photo.kcf", "x");
@@ -190,7 +195,8 @@ TEST(Outputs, KeepTheCommentsOfTheTextThatTheyReplace) {
         EXPECT_EQ(outcome.code, 1) << command;
         EXPECT_TRUE(Holds(outcome.err, "1 comment would be lost, the first of them \"mine\"")) << outcome.err;
         EXPECT_EQ(ReadFile(folder / "t"), text) << command;
-        EXPECT_EQ(RunShell(folder, "cp t k; kes " + command + " --drop-comments; x=$?; cp k t; exit $x").code, 0)
+        EXPECT_EQ(RunShell(folder, "cp t k; kes " + command + " --drop-comments; x=$?; cp k t; exit $x").code,
+                  0)
             << command;
     }
 }
@@ -209,8 +215,10 @@ TEST(Inputs, OfAFolderAreReadWholeOrNotAtAll) {
         {"ln -s nowhere c/z.kcf", "c/z.kcf: cannot be opened: No such file or directory"},
     };
     for (const auto& row : rows) {
-        for (const std::string command : {"check c/", "convert c/ t2.ktf", "set c/ max_acl_links=4", "diff c/ t.ktf"}) {
-            const Outcome outcome = RunShell(folder, std::string(row.make) + "; timeout 20 " KES_TEST_COMMAND " " + command);
+        for (const std::string command :
+             {"check c/", "convert c/ t2.ktf", "set c/ max_acl_links=4", "diff c/ t.ktf"}) {
+            const Outcome outcome =
+                RunShell(folder, std::string(row.make) + "; timeout 20 " KES_TEST_COMMAND " " + command);
             EXPECT_EQ(outcome.code, 3) << row.make << ", " << command;
             EXPECT_TRUE(Holds(outcome.err, row.said)) << outcome.err;
             fs::remove(folder / "c/z.kcf");
@@ -240,9 +248,11 @@ TEST(Paths, AreBytes) {
 TEST(Nodes, StayNodes) {
     const TempFolder folder;
     const Outcome outcome =
-        RunShell(folder, "mkfifo p; ln -s i l; for n in p /dev/null; do timeout 20 " KES_TEST_COMMAND " device create eeprom:$n "
+        RunShell(folder, "mkfifo p; ln -s i l; for n in p /dev/null; do timeout 20 " KES_TEST_COMMAND
+                         " device create eeprom:$n "
                          "--size 2K --force || echo $?; done; kes device create eeprom:l --size 2K --force; "
-                         "stat -c %F p l i; timeout 20 " KES_TEST_COMMAND " check eeprom:p; echo $?; timeout 20 " KES_TEST_COMMAND " check t --db p; echo $?");
+                         "stat -c %F p l i; timeout 20 " KES_TEST_COMMAND
+                         " check eeprom:p; echo $?; timeout 20 " KES_TEST_COMMAND " check t --db p; echo $?");
     EXPECT_EQ(outcome.out, "2\n2\nfifo\nsymbolic link\nregular file\n3\n3\n") << outcome.err;
 }
 

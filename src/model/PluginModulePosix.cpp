@@ -1,11 +1,10 @@
+#include "files/Files.h"
 #include "model/PluginDescriptor.h"
 #include "model/PluginModule.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <dlfcn.h>
-#include <fstream>
 #include <link.h>
 
 namespace VemoKesConfigTools {
@@ -15,17 +14,19 @@ namespace {
 /// Whether all that the loader would map is in the file: what lies beyond its end raises a signal when it is
 /// touched. What is no module of this machine is left to the loader to refuse.
 bool IsWhole(const std::string& path) {
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
-    const auto size = static_cast<std::uint64_t>(std::max<std::streamoff>(0, file.tellg()));
+    const std::string start = files::ReadStart(path, sizeof(ElfW(Ehdr)));
     ElfW(Ehdr) header{};
-    file.seekg(0);
-    if (!file.read(reinterpret_cast<char*>(&header), sizeof header)) return true;
+    if (start.size() < sizeof header) return true;
+    std::memcpy(&header, start.data(), sizeof header);
     if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0) return true;
     if (header.e_phentsize != sizeof(ElfW(Phdr))) return true;
-    file.seekg(static_cast<std::streamoff>(header.e_phoff));
-    for (int i = 0; i < header.e_phnum; ++i) {
+    const std::uint64_t size = files::Look(path)->size;
+    const std::uint64_t tableSize = std::uint64_t{header.e_phnum} * sizeof(ElfW(Phdr));
+    if (header.e_phoff > size || tableSize > size - header.e_phoff) return false;
+    const std::string bytes = files::ReadStart(path, header.e_phoff + tableSize);
+    for (std::uint64_t at = header.e_phoff; at < bytes.size(); at += sizeof(ElfW(Phdr))) {
         ElfW(Phdr) segment{};
-        if (!file.read(reinterpret_cast<char*>(&segment), sizeof segment)) return false;
+        std::memcpy(&segment, bytes.data() + at, sizeof segment);
         if (segment.p_offset > size || segment.p_filesz > size - segment.p_offset) return false;
     }
     return true;
@@ -34,8 +35,13 @@ bool IsWhole(const std::string& path) {
 }  // namespace
 
 void* OpenPluginEntry(const std::string& path, std::string& error) {
-    if (!IsWhole(path)) {
-        error = "it is cut short";
+    try {
+        if (!IsWhole(path)) {
+            error = "it is cut short";
+            return nullptr;
+        }
+    } catch (const files::FileError& failure) {
+        error = failure.Reason();
         return nullptr;
     }
     void* module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
