@@ -1,4 +1,4 @@
-// Any bytes as a JSON source of metadata. Each fault that is told stands in the text, and what has none is
+// Any bytes as a JSON source of metadata. Each fault that is reported lies in the text, and what has none is
 // written and read again without a change.
 
 #include "metadb/JsonSource.h"

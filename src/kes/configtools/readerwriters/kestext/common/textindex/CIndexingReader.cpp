@@ -146,7 +146,7 @@ private:
         const std::size_t start = mValueStart.offset;
         const std::string_view rest = mpSource->Bottom()->PlainRun();
         // The line as a text of its own: what begins a comment may have been in quotes to the value, and the
-        // end of that comment would be looked for far behind the line.
+        // search for the end of that comment would go far beyond the line.
         std::istringstream stream(std::string(rest.substr(0, line.all.end - start)));
         mpSource->SetPosition(saved);
         CUnicodeFile file(&stream);
