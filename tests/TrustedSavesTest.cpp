@@ -228,6 +228,19 @@ TEST(Inputs, OfAFolderAreReadWholeOrNotAtAll) {
     EXPECT_EQ(ReadFile(folder / "c/bt-eeprom-0001.kcf"), good);
 }
 
+TEST(Inputs, ThatComeLateOrNotAtAllAreNoEmptyTexts) {
+    const TempFolder folder;
+    const Outcome late = RunShell(folder,
+                                  "mkfifo p; (sleep 0.3; printf 'file=bt1\\nmax_acl_links = 3\\n' >p) & "
+                                  "kes get p max_acl_links");
+    EXPECT_EQ(late.out, "3\n") << late.err;
+    const Outcome folderIn = RunShell(folder, "kes check - <.");
+    EXPECT_EQ(folderIn.code, 3);
+    EXPECT_TRUE(Holds(folderIn.err, "<stdin>: error: cannot be read: Is a directory") ||
+                Holds(folderIn.err, "-: error: cannot be read: Is a directory"))
+        << folderIn.err;
+}
+
 TEST(Paths, AreBytes) {
     const TempFolder folder;
     const Outcome texts = RunShell(folder,

@@ -5,9 +5,10 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
-#include <iostream>
-#include <iterator>
+#include <cstdio>
+#include <cstring>
 #include <string_view>
+#include <vector>
 
 namespace kes::cli {
 
@@ -48,8 +49,14 @@ std::string FindVersion(std::string_view text) {
 }
 
 std::string ReadStandardInput() {
-    std::string content{std::istreambuf_iterator<char>(std::cin), {}};
-    if (std::cin.bad()) throw Failure(EXIT_SYSTEM, "cannot be read");
+    constexpr std::size_t BLOCK = 65536;
+    std::string content;
+    std::vector<char> block(BLOCK);
+    // Not std::cin, which takes an error for the end.
+    while (const std::size_t came = std::fread(block.data(), 1, block.size(), stdin))
+        content.append(block.data(), came);
+    if (std::ferror(stdin) != 0)
+        throw Failure(EXIT_SYSTEM, std::string("cannot be read: ") + std::strerror(errno));
     return content;
 }
 

@@ -5,15 +5,16 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <sys/xattr.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace VemoKesConfigTools::files {
@@ -79,6 +80,9 @@ public:
 
     std::int64_t ReadNext(int handle, char* bytes, std::size_t size) override {
         SetWaiting(handle);
+        // A pipe that nobody writes to yet would read as one that has ended.
+        pollfd ready{handle, POLLIN, 0};
+        if (poll(&ready, 1, -1) < 0) return -errno;
         const ssize_t came = read(handle, bytes, size);
         return came < 0 ? -errno : came;
     }

@@ -42,7 +42,7 @@ struct FileLock::Table {
     std::shared_ptr<Entry> Add(OpenFile file, LockMode mode) {
         std::erase_if(entries, [](const auto& entry) { return entry.second.expired(); });
         const FileStatus status = file.Status();
-        const auto entry = std::make_shared<Entry>(Entry{std::move(file), mode, nullptr});
+        auto entry = std::make_shared<Entry>(Entry{std::move(file), mode, nullptr});
         entries[IdentityOf(status)] = entry;
         return entry;
     }

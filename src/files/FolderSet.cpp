@@ -97,6 +97,7 @@ std::vector<std::string> SetWriter::Commit(const SetChange& change) {
     SyncFolder(folder);
     if (mpState->isNew) SyncFolder(FolderOf(folder));
     std::vector<OpenFile> locked;
+    locked.reserve(prepared.size());
     for (const auto& file : prepared) locked.push_back(file->Keep());
     try {
         ReplaceFile(Join(folder, JOURNAL_NAME), EncodeJournal(journal));

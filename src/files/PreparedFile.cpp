@@ -68,7 +68,10 @@ void KeepAccess(const OpenFile& file, const FileStatus& old, const std::string& 
     // A list comes before the mode, whose group bits are its mask.
     for (const auto& [name, value] : attributes) {
         if (Disk().SetAttribute(file.Handle(), name, value) == 0) continue;
-        notes.push_back(path + ": the extended attribute " + name + " could not be kept");
+        notes.emplace_back(path)
+            .append(": the extended attribute ")
+            .append(name)
+            .append(" could not be kept");
         if (name == ACCESS_LIST) mode = WithoutGroup(mode);
     }
     if (Disk().SetMode(file.Handle(), mode) < 0) notes.push_back(path + ": the mode could not be kept");

@@ -12,7 +12,7 @@ namespace VemoKesConfigTools {
 std::string DescribePlace(const CKesContext& place) {
     const std::int32_t type = place.SubsystemType();
     const bool isNamed = type >= 0 && static_cast<std::size_t>(type) < SUBSYSTEM_NAMES.size();
-    const auto device = std::ranges::find(DEVICE_NAMES, place.Device(), [](const auto& entry) {
+    const auto* const device = std::ranges::find(DEVICE_NAMES, place.Device(), [](const auto& entry) {
         return static_cast<std::int32_t>(entry.second);
     });
     std::string text = isNamed ? std::string(SUBSYSTEM_NAMES[static_cast<std::size_t>(type)])
