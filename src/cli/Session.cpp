@@ -33,7 +33,7 @@ Session::Session(const Globals& globals) : mDatabase(globals.database) {
     if (api::Framework::GetLastError(message) == 1) {
         std::string text = "no plug-in \"sqlite\" in " + globals.plugins +
                            "; choose the folder with --plugins or KES_PLUGINS";
-        for (const std::string& leftOut : listener.Statuses()) text += "\nnote: " + leftOut;
+        for (const std::string& leftOut : listener.Statuses()) text.append("\nnote: ").append(leftOut);
         throw Failure(EXIT_SYSTEM, text);
     }
     FailOnError();

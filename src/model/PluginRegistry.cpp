@@ -64,7 +64,9 @@ void PluginRegistry::ReportLeftOut() const {
     CMessageHandler& handler =
         CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, "PluginRegistry", false);
     for (const auto& [path, why] : mLeftOut) {
-        handler.NotifyStatus(CMessageHandler::STATUS_LEVEL_WARNING, path + " left out: " + why);
+        std::string text = path;
+        text.append(" left out: ").append(why);
+        handler.NotifyStatus(CMessageHandler::STATUS_LEVEL_WARNING, text);
     }
 }
 

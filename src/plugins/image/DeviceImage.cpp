@@ -6,7 +6,6 @@
 #include "plugins/binary/Refusal.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 namespace VemoKesConfigTools {
@@ -26,7 +25,9 @@ std::string EncodeContent(const std::vector<EncodedPlace>& places) {
     const auto hasKeys = [](const EncodedPlace& place) { return place.keyCount != 0; };
     std::string content;
     ByteWriter(content).Number(static_cast<std::uint64_t>(std::ranges::count_if(places, hasKeys)));
-    for (const EncodedPlace& place : places | std::views::filter(hasKeys)) AppendPlace(content, place);
+    for (const EncodedPlace& place : places) {
+        if (hasKeys(place)) AppendPlace(content, place);
+    }
     return content;
 }
 
