@@ -51,7 +51,7 @@ void PrintTable(const Json& stores) {
         std::string& subsystems = row.emplace_back();
         for (const Json& subsystem : store["subsystems"])
             subsystems += (subsystems.empty() ? "" : ", ") + subsystem.get<std::string>();
-        table.Add(std::move(row));
+        table.Add(row);
     }
     table.Print(std::cout);
 }
