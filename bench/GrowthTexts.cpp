@@ -3,6 +3,7 @@
 #include "metadb/MetadataDatabase.h"
 
 #include <cstdint>
+#include <fstream>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -215,7 +216,7 @@ void WriteGrowthDatabase(const std::string& path) {
     app.keys.push_back(Key(++psid, "blob", octets, UNBOUNDED));
     metadb::KeyData& table = app.keys.emplace_back(Key(++psid, "table", "uint8", 255));
     table.indexes.push_back({"row", 0, UNBOUNDED, false, {}});
-    metadb::WriteDatabase(path, {system});
+    std::ofstream(path, std::ios::binary) << metadb::SerializeDatabase({system});
 }
 
 }  // namespace KesBench
