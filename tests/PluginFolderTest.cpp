@@ -69,8 +69,8 @@ TEST(PluginFolder, LeavesOutWhatIsNoPluginAndSaysWhy) {
     EXPECT_TRUE(trace.Tells("nowhere", "No such file or directory"));
 }
 
-/// A module whose end is missing maps well, and then its first touch raises a signal. Debug information, which may
-/// take half of it, is not mapped.
+/// A module whose end is missing maps well, and then its first touch raises a signal. Debug information,
+/// which may take half of it, is not mapped.
 TEST(PluginFolder, LeavesOutAModuleThatIsCut) {
     const std::string whole = KesTest::ReadFile(std::string(KES_TEST_PLUGIN_DIR) + "/sqlite.kpm");
     const TempFolder folder;
