@@ -43,7 +43,7 @@ void ReadConfig(const std::string& word) {
         const ConfigSource source(word);
         if (source.target.empty() && !word.empty()) Fault("no target", word);
     } catch (const Failure&) {
-        // A prefix alone names nothing.
+        // A prefix without a path is refused.
     }
 }
 

@@ -29,7 +29,7 @@ struct FileContent {
 KES_API FileContent ReadFile(const std::string& path, Readable what);
 /// Reads the first bytes of a regular file or block device; all of it when it is shorter.
 KES_API std::string ReadStart(const std::string& path, std::size_t size);
-/// What has this path; nothing when the path names nothing. A link to nothing names nothing.
+/// The status of the file at this path; empty when there is none, as for a dangling link.
 KES_API std::optional<FileStatus> Look(const std::string& path);
 /// The names in a folder, in the order of the file system.
 KES_API std::vector<std::string> ListFolder(const std::string& path);

@@ -17,7 +17,7 @@ namespace KesTest {
 
 namespace files = VemoKesConfigTools::files;
 
-/// A disk in memory that fails when it is told to, and that remembers every change, so that each state can be
+/// A disk in memory that fails on request and records every change, so that each state can be
 /// built in which a power cut might leave a real one: what was not synced may be there or not, in any
 /// combination, and a write may be there in part.
 class LyingDisk final : public files::IDisk {
