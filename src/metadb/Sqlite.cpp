@@ -3,6 +3,7 @@
 #include "metadb/RegularFile.h"
 
 #include <sqlite3.h>
+#include <system_error>
 
 namespace VemoKesConfigTools::metadb {
 
@@ -101,6 +102,11 @@ std::string Sqlite::Serialize() const {
 
 void Sqlite::Fail(int code) const {
     const char* text = mpDatabase ? sqlite3_errmsg(mpDatabase.get()) : sqlite3_errstr(code);
+    // SQLite calls a database malformed whose bytes cannot be read.
+    int cause = 0;
+    const bool isKnown = mpDatabase && sqlite3_file_control(mpDatabase.get(), "main", SQLITE_FCNTL_LAST_ERRNO,
+                                                            &cause) == SQLITE_OK;
+    if (isKnown && cause != 0) throw DatabaseError(mPath + ": " + std::generic_category().message(cause));
     throw DatabaseError(mPath + ": " + text);
 }
 
