@@ -22,10 +22,6 @@ namespace VemoKesConfigTools {
 
 namespace {
 
-bool IsString(const IPayload& payload) {
-    return payload.Type() == PAYLOAD_TYPE_STRING && dynamic_cast<const CComplexPayload*>(&payload) == nullptr;
-}
-
 /// Whether a string of this key or field reads back in the form that the format names. A MAC address ends at
 /// a blank only, so it must stand alone, and an empty one is nothing at all.
 bool TakesItsForm(const IMetadata& metadata, const IPayload& payload, bool alone) {

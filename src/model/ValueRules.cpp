@@ -3,6 +3,7 @@
 #include "model/CStructField.h"
 #include "model/IMetadata.h"
 #include "model/IMetadataUser.h"
+#include "model/Payloads.h"
 #include "model/Words.h"
 
 #include <algorithm>
@@ -30,8 +31,6 @@ PayloadTypeEnum TypeOfWidth(std::int32_t width, bool isUnsigned) {
     if (width <= 32) return isUnsigned ? PAYLOAD_TYPE_UINT32 : PAYLOAD_TYPE_INT32;
     return isUnsigned ? PAYLOAD_TYPE_UINT64 : PAYLOAD_TYPE_INT64;
 }
-
-bool IsString(const IPayload* payload) { return payload->Type() == PAYLOAD_TYPE_STRING; }
 
 /// Whether the values, all strings, are such of the key.
 bool TakesStrings(const std::vector<const IPayload*>& payloads, const IMetadata& metadata) {
@@ -69,12 +68,17 @@ BitField BitFieldOf(const CStructField& field) {
     return {type, isUnsigned ? 0 : -highest - 1, highest};
 }
 
+bool IsString(const IPayload& payload) {
+    return payload.Type() == PAYLOAD_TYPE_STRING && dynamic_cast<const CComplexPayload*>(&payload) == nullptr;
+}
+
 bool WasGivenRaw(const std::vector<const IPayload*>& payloads, const IMetadata& metadata) {
-    if (std::ranges::all_of(payloads, IsString)) return !TakesStrings(payloads, metadata);
+    if (std::ranges::all_of(payloads, [](const IPayload* payload) { return IsString(*payload); }))
+        return !TakesStrings(payloads, metadata);
     const bool mayHoldStrings = metadata.TypeName() == STR_OCTET_STRING;
     return std::ranges::any_of(payloads, [&](const IPayload* payload) {
         // Strings never carry metadata; whatever else has none was given raw.
-        if (IsString(payload)) return !mayHoldStrings;
+        if (IsString(*payload)) return !mayHoldStrings;
         const auto* user = dynamic_cast<const IMetadataUser*>(payload);
         return user == nullptr || user->Metadata() == nullptr;
     });

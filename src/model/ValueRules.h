@@ -27,6 +27,9 @@ struct BitField {
 };
 KES_API BitField BitFieldOf(const CStructField& field);
 
+/// Whether this is a byte string; an array of them within a struct has the same type.
+KES_API bool IsString(const IPayload& payload);
+
 /// Whether these values of a key were given raw: they do not have the form that its metadata asks for.
 KES_API bool WasGivenRaw(const std::vector<const IPayload*>& payloads, const IMetadata& metadata);
 
