@@ -2,7 +2,11 @@
 
 #include "utf8.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <iterator>
+#include <limits>
 #include <type_traits>
 
 namespace VEMO::Kes::ConfigurationTools {
@@ -11,18 +15,22 @@ namespace {
 
 constexpr char32_t REPLACEMENT = 0xFFFD;
 
-/// Copies units as long as each stands for itself in both encodings, which is all of nearly any text. Gives
-/// how many these were.
-template <typename From, typename To>
-std::size_t CopyAscii(From text, To& copy) {
-    using Unit = std::make_unsigned_t<typename From::value_type>;
-    copy.resize(text.size());
+/// How many units at the front stand for themselves in both encodings, which nearly any text is made of: none
+/// of them is zero or above 0x7F. A word at a time.
+template <typename View>
+std::size_t AsciiPrefix(View text) {
+    using Unit = std::make_unsigned_t<typename View::value_type>;
+    constexpr std::size_t IN_WORD = sizeof(std::uint64_t) / sizeof(Unit);
+    constexpr std::uint64_t ONES =
+        std::numeric_limits<std::uint64_t>::max() / std::numeric_limits<Unit>::max();
     std::size_t count = 0;
-    for (const auto unit : text) {
-        if (static_cast<Unit>(unit) - 1U >= 0x7FU) break;
-        copy[count++] = static_cast<typename To::value_type>(unit);
+    for (; text.size() - count >= IN_WORD; count += IN_WORD) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + count, sizeof word);
+        // Taking one away borrows from the top bit of a zero.
+        if (((word | (word - ONES)) & ~(ONES * 0x7F)) != 0) break;
     }
-    copy.resize(count);
+    while (count < text.size() && static_cast<Unit>(text[count]) - 1U < 0x7FU) ++count;
     return count;
 }
 
@@ -30,8 +38,9 @@ constexpr bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <=
 constexpr bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
 std::u16string FromUtf8(std::string_view utf8) {
-    std::u16string text;
-    utf8.remove_prefix(CopyAscii(utf8, text));
+    const std::size_t ascii = AsciiPrefix(utf8);
+    std::u16string text(utf8.begin(), utf8.begin() + ascii);
+    utf8.remove_prefix(ascii);
     utf8 = utf8.substr(0, utf8.find('\0'));
     if (utf8.empty()) return text;
     if (utf8::is_valid(utf8.begin(), utf8.end())) {
@@ -54,8 +63,11 @@ HostString::HostString(std::string_view utf8) : mText(FromUtf8(utf8)) {}
 
 std::string HostString::ToNarrow() const {
     std::u16string_view units = Units();
-    std::string narrow;
-    units.remove_prefix(CopyAscii(units, narrow));
+    const std::size_t ascii = AsciiPrefix(units);
+    std::string narrow(ascii, '\0');
+    std::transform(units.begin(), units.begin() + ascii, narrow.begin(),
+                   [](char16_t unit) { return static_cast<char>(unit); });
+    units.remove_prefix(ascii);
     units = units.substr(0, units.find(u'\0'));
     for (std::size_t i = 0; i < units.size(); ++i) {
         char32_t point = units[i];

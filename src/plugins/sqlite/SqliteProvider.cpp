@@ -6,6 +6,7 @@
 #include "model/SubsystemNames.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <sstream>
 #include <typeinfo>
@@ -55,7 +56,7 @@ struct CSqliteProvider::System {
     std::vector<std::string> names;
     std::vector<std::unique_ptr<CSqliteSubsystemInfo>> owned;
     std::vector<const ISubsystemInfo*> infos;
-    std::map<std::int32_t, Slot> slots;
+    std::array<Slot, std::size(SUBSYSTEM_NAMES)> slots;  ///< by subsystem type
 };
 
 /// What one opening of the file has given.
@@ -98,8 +99,10 @@ CSqliteProvider::System* CSqliteProvider::FindSystem(IConfigContext& context) {
 const CLoadedSubsystem& CSqliteProvider::Find(IConfigContext& context) {
     if (typeid(context) == typeid(CKesContext)) {
         const auto& place = static_cast<const CKesContext&>(context);
-        if (mpLast != nullptr && place.SubsystemType() == mLastType && place.Chip() == mLastChip)
-            return *mpLast;
+        const auto type = static_cast<std::uint32_t>(place.SubsystemType());
+        if (mpLastSystem != nullptr && type < mpLastSystem->slots.size() && place.Chip() == mLastChip) {
+            if (const auto& loaded = mpLastSystem->slots[type].loaded) return *loaded;
+        }
     }
     System* system = FindSystem(context);
     for (std::size_t type = 0; system != nullptr && type < std::size(SUBSYSTEM_NAMES); ++type) {
@@ -112,7 +115,7 @@ const CLoadedSubsystem& CSqliteProvider::Find(IConfigContext& context) {
 const CLoadedSubsystem& CSqliteProvider::Load(System& system, std::int32_t type) {
     const std::string name(SUBSYSTEM_NAMES[static_cast<std::size_t>(type)]);
     if (std::ranges::find(system.names, name) == system.names.end()) return Nothing();
-    System::Slot& slot = system.slots[type];
+    System::Slot& slot = system.slots[static_cast<std::size_t>(type)];
     if (!slot.loaded && slot.fault.empty()) {
         try {
             slot.loaded =
@@ -126,8 +129,7 @@ const CLoadedSubsystem& CSqliteProvider::Load(System& system, std::int32_t type)
         return Nothing();
     }
     mLastChip = system.chip->Label();
-    mLastType = type;
-    mpLast = slot.loaded.get();
+    mpLastSystem = &system;
     return *slot.loaded;
 }
 
@@ -163,7 +165,7 @@ const std::vector<const IChipInfo*>& CSqliteProvider::ChipInfos(IConfigContext& 
 
 void CSqliteProvider::Refresh() {
     if (mpContent) mRetired.push_back(std::move(mpContent));
-    mpLast = nullptr;
+    mpLastSystem = nullptr;
 }
 
 bool CSqliteProvider::Read(IConfigContext& context) {

@@ -54,10 +54,9 @@ private:
     std::string mPath;
     std::unique_ptr<Content> mpContent;              ///< null until the next question
     std::vector<std::unique_ptr<Content>> mRetired;  ///< records that were handed out before a `Refresh`
-    // The answer to the last question, which most questions repeat.
+    // The system of the last question, which most questions repeat.
     std::string mLastChip;
-    std::int32_t mLastType = -1;
-    const CLoadedSubsystem* mpLast = nullptr;
+    System* mpLastSystem = nullptr;
 
     IConfigReaderObserver* mpObserver = nullptr;
 };
