@@ -1,11 +1,11 @@
 // Any bytes as words of the command line, one a line: keys, configurations, and what is looked for in a line
 // of a text.
 
-#include "cli/ConfigSource.h"
-#include "cli/ExitCodes.h"
-#include "cli/KeyAddress.h"
-#include "cli/NearNames.h"
-#include "cli/SourceWords.h"
+#include "tool/config/ConfigSource.h"
+#include "tool/config/SourceWords.h"
+#include "tool/keys/KeyAddress.h"
+#include "tool/output/ExitCodes.h"
+#include "tool/output/NearNames.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -17,7 +17,7 @@
 
 namespace {
 
-using namespace kes::cli;
+using namespace kes::tool;
 
 [[noreturn]] void Fault(const char* what, std::string_view word) {
     std::fprintf(stderr, "FAULT: %s: %.*s\n", what, static_cast<int>(word.size()), word.data());

@@ -1,8 +1,8 @@
 // `kes rewrite`: the writer's form, proved before anybody sees it, and nobody's comments lost by accident.
 
-#include "cli/Comments.h"
-#include "cli/UnifiedDiff.h"
 #include "support/Files.h"
+#include "tool/config/Comments.h"
+#include "tool/output/UnifiedDiff.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -130,8 +130,8 @@ TEST(Comments, AreFoundAsTheReaderSeesThem) {
         {"k = \"open # no\nj = 2 # yes\n", {"yes"}},
         {"", {}},
     };
-    for (const auto& row : rows) EXPECT_EQ(kes::cli::CommentsOf(row.text), row.comments) << row.text;
-    EXPECT_EQ(kes::cli::CommentsMissing("# a\n# b\n# a\n", "# a\n"), (std::vector<std::string>{"b", "a"}));
+    for (const auto& row : rows) EXPECT_EQ(kes::tool::CommentsOf(row.text), row.comments) << row.text;
+    EXPECT_EQ(kes::tool::CommentsMissing("# a\n# b\n# a\n", "# a\n"), (std::vector<std::string>{"b", "a"}));
 }
 
 /// Takes a diff for what it says, as `patch` does.
@@ -176,11 +176,11 @@ TEST(Diff, LeadsFromOneTextToTheOther) {
         const std::string before = text();
         std::string after = pick(2) == 0 ? text() : before;
         if (!after.empty()) after.insert(pick(after.size() / 2 + 1) * 2, "x\n");
-        const std::string diff = kes::cli::UnifiedDiff("a", "b", before, after);
+        const std::string diff = kes::tool::UnifiedDiff("a", "b", before, after);
         EXPECT_EQ(Patched(before, diff), after) << diff;
     }
-    EXPECT_EQ(kes::cli::UnifiedDiff("a", "b", "same\n", "same\n"), "");
-    EXPECT_EQ(kes::cli::UnifiedDiff("a", "b", "x", "x\n"),
+    EXPECT_EQ(kes::tool::UnifiedDiff("a", "b", "same\n", "same\n"), "");
+    EXPECT_EQ(kes::tool::UnifiedDiff("a", "b", "x", "x\n"),
               "--- a\n+++ b\n@@ -1 +1 @@\n-x\n\\ No newline at end of file\n+x\n");
     std::string many;
     std::string others;
@@ -188,7 +188,7 @@ TEST(Diff, LeadsFromOneTextToTheOther) {
         many += std::to_string(i) + "\n";
         others += std::to_string(-i) + "\n";
     }
-    EXPECT_EQ(Patched(many, kes::cli::UnifiedDiff("a", "b", many, others)), others)
+    EXPECT_EQ(Patched(many, kes::tool::UnifiedDiff("a", "b", many, others)), others)
         << "nothing in common, and in bounded time";
 }
 

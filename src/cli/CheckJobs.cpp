@@ -1,7 +1,7 @@
 #include "cli/CheckJobs.h"
 
-#include "cli/ConfigLoader.h"
-#include "cli/Platform.h"
+#include "tool/config/ConfigLoader.h"
+#include "tool/output/Platform.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "cli/ConfigReport.h"
-#include "cli/ConfigSource.h"
 #include "cli/Globals.h"
-#include "cli/ProgressBar.h"
+#include "tool/config/ConfigReport.h"
+#include "tool/config/ConfigSource.h"
+#include "tool/output/ProgressBar.h"
 
 #include <cstddef>
 #include <functional>

@@ -1,13 +1,13 @@
 #include "cli/CheckJobs.h"
-#include "cli/ConfigInput.h"
-#include "cli/ConfigReport.h"
-#include "cli/Diagnostics.h"
-#include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
-#include "cli/Json.h"
-#include "cli/Platform.h"
-#include "cli/Sarif.h"
+#include "tool/config/ConfigInput.h"
+#include "tool/config/ConfigReport.h"
+#include "tool/config/Sarif.h"
+#include "tool/output/Diagnostics.h"
+#include "tool/output/ExitCodes.h"
+#include "tool/output/Json.h"
+#include "tool/output/Platform.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

@@ -1,8 +1,8 @@
-#include "cli/ExitCodes.h"
 #include "cli/Globals.h"
-#include "cli/Json.h"
-#include "cli/Session.h"
-#include "cli/Table.h"
+#include "tool/keys/Session.h"
+#include "tool/output/ExitCodes.h"
+#include "tool/output/Json.h"
+#include "tool/output/Table.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>

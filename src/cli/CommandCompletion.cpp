@@ -1,7 +1,7 @@
 #include "cli/CompletionScripts.h"
-#include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
+#include "tool/output/ExitCodes.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>

@@ -1,12 +1,12 @@
-#include "cli/ConfigWriter.h"
-#include "cli/DeviceNames.h"
-#include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
-#include "cli/OutputFile.h"
-#include "cli/Printable.h"
 #include "files/FileLock.h"
 #include "files/Files.h"
+#include "tool/config/ConfigWriter.h"
+#include "tool/config/OutputFile.h"
+#include "tool/keys/DeviceWords.h"
+#include "tool/output/ExitCodes.h"
+#include "tool/output/Printable.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>

@@ -1,14 +1,14 @@
-#include "cli/DescribeText.h"
-#include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
-#include "cli/Json.h"
-#include "cli/KeyAddress.h"
-#include "cli/KeyRecord.h"
-#include "cli/KeyText.h"
-#include "cli/NearNames.h"
-#include "cli/Session.h"
 #include "metadb/MetadataDatabase.h"
+#include "tool/keys/DescribeText.h"
+#include "tool/keys/KeyAddress.h"
+#include "tool/keys/KeyJson.h"
+#include "tool/keys/KeyText.h"
+#include "tool/keys/Session.h"
+#include "tool/output/ExitCodes.h"
+#include "tool/output/Json.h"
+#include "tool/output/NearNames.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

@@ -1,19 +1,19 @@
 // The commands device create, device info and device create-store.
 
-#include "cli/ConfigAccess.h"
-#include "cli/ConfigInput.h"
-#include "cli/DeviceInfo.h"
-#include "cli/Diagnostics.h"
-#include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
-#include "cli/KeyAddress.h"
-#include "cli/Session.h"
 #include "files/FileLock.h"
 #include "files/Files.h"
 #include "plugins/binary/Refusal.h"
 #include "plugins/image/ImageFormat.h"
 #include "plugins/image/ImageSite.h"
+#include "tool/config/ConfigAccess.h"
+#include "tool/config/ConfigInput.h"
+#include "tool/config/DeviceInfo.h"
+#include "tool/keys/KeyAddress.h"
+#include "tool/keys/Session.h"
+#include "tool/output/Diagnostics.h"
+#include "tool/output/ExitCodes.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdint>

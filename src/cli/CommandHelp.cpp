@@ -1,7 +1,7 @@
-#include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
-#include "cli/NearNames.h"
+#include "tool/output/ExitCodes.h"
+#include "tool/output/NearNames.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>

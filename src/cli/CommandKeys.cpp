@@ -1,12 +1,12 @@
-#include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
-#include "cli/Json.h"
-#include "cli/KeyRecord.h"
-#include "cli/KeyText.h"
-#include "cli/NearNames.h"
-#include "cli/Session.h"
-#include "cli/Table.h"
+#include "tool/keys/KeyJson.h"
+#include "tool/keys/KeyText.h"
+#include "tool/keys/Session.h"
+#include "tool/output/ExitCodes.h"
+#include "tool/output/Json.h"
+#include "tool/output/NearNames.h"
+#include "tool/output/Table.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

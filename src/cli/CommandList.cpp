@@ -1,9 +1,9 @@
-#include "cli/ConfigLoader.h"
-#include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
-#include "cli/KeyList.h"
-#include "cli/Table.h"
+#include "tool/config/ConfigLoader.h"
+#include "tool/keys/KeyList.h"
+#include "tool/output/ExitCodes.h"
+#include "tool/output/Table.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>

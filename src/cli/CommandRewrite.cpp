@@ -1,11 +1,11 @@
-#include "cli/ConfigWriter.h"
-#include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
-#include "cli/OutputFile.h"
-#include "cli/Printable.h"
-#include "cli/UnifiedDiff.h"
 #include "files/Files.h"
+#include "tool/config/ConfigWriter.h"
+#include "tool/config/OutputFile.h"
+#include "tool/output/ExitCodes.h"
+#include "tool/output/Printable.h"
+#include "tool/output/UnifiedDiff.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>

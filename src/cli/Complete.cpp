@@ -4,13 +4,13 @@
 
 #include "cli/Complete.h"
 
-#include "cli/ConfigInput.h"
-#include "cli/DeviceNames.h"
-#include "cli/ExitCodes.h"
 #include "cli/Help.h"
-#include "cli/KeyText.h"
-#include "cli/Printable.h"
-#include "cli/Session.h"
+#include "tool/config/ConfigInput.h"
+#include "tool/keys/DeviceWords.h"
+#include "tool/keys/KeyText.h"
+#include "tool/keys/Session.h"
+#include "tool/output/ExitCodes.h"
+#include "tool/output/Printable.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

@@ -1,6 +1,8 @@
 #include "cli/Globals.h"
 
-#include "cli/Platform.h"
+#include "tool/config/OutputFile.h"
+#include "tool/keys/KeyAddress.h"
+#include "tool/output/Platform.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdint>
@@ -66,6 +68,20 @@ void AddDatabaseOptions(CLI::App& command, Globals& globals, bool withChip) {
             "Firmware system, by its version label (environment: KES_CHIP; without both: the one that the "
             "configuration itself names, or else the first of the database)")
         ->type_name("LABEL");
+}
+
+void AddPlaceOptions(CLI::App& command, PlaceOptions& options) {
+    command.add_option("--subsystem", options.subsystem, "Only in this subsystem, by name or alias")
+        ->type_name("NAME");
+    command.add_option("--device", options.device, "Only on this device: rom, otp, smem, mtp, eeprom, ...")
+        ->type_name("DEVICE");
+    command.add_option("--store", options.store, "Only in the store of this number")->type_name("N");
+}
+
+void AddForceOption(CLI::App& command, OutputOptions& options) {
+    command.add_flag(
+        "--force", options.force,
+        "Replace a file of another kind, one that is write-protected, and one with several hard links");
 }
 
 }  // namespace kes::cli

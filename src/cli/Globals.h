@@ -1,24 +1,24 @@
 #pragma once
 
-#include <chrono>
+#include "tool/keys/Settings.h"
+
 #include <functional>
-#include <string>
 
 namespace CLI {
 class App;
 }
 
+namespace kes::tool {
+struct OutputOptions;
+struct PlaceOptions;
+}  // namespace kes::tool
+
 namespace kes::cli {
 
+using namespace kes::tool;
+
 /// What the options say that several commands share, and what is to be run.
-struct Globals {
-    std::string database;
-    std::string plugins;
-    std::string chip;  ///< a system version label; empty for the default
-    bool noColor = false;
-    bool json = false;  ///< results as one JSON document
-    /// How long to wait for a file that another process has locked.
-    std::chrono::milliseconds lockWait = std::chrono::seconds(10);
+struct Globals : Settings {
     std::function<int()> run;  ///< set by the command that was chosen
 };
 
@@ -32,6 +32,10 @@ void AddLockOption(CLI::App& command, Globals& globals);
 void AddPluginsOption(CLI::App& command, Globals& globals);
 /// Adds `--db`, `--plugins` and, where it makes sense, `--chip` to a command.
 void AddDatabaseOptions(CLI::App& command, Globals& globals, bool withChip);
+/// Adds `--subsystem`, `--device` and `--store` to a command.
+void AddPlaceOptions(CLI::App& command, PlaceOptions& options);
+/// Adds `--force`.
+void AddForceOption(CLI::App& command, OutputOptions& options);
 
 // Each adds one command, with its options and its help.
 void AddCheck(CLI::App& app, Globals& globals);

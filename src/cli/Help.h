@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/ExitCodes.h"
+#include "tool/output/ExitCodes.h"
 
 #include <CLI/CLI.hpp>
 #include <map>
@@ -36,15 +36,15 @@ private:
 };
 
 struct ExitCodeMeaning {
-    ExitCode code;
+    tool::ExitCode code;
     const char* meaning;
 };
 inline constexpr ExitCodeMeaning EXIT_CODES[] = {
-    {EXIT_FINE, "fine"},
-    {EXIT_FINDINGS, "the input has errors, two texts differ, or what was looked for is not there"},
-    {EXIT_USAGE, "wrong usage: an unknown command, option, chip or subsystem"},
-    {EXIT_SYSTEM, "the system failed: a file, the database, a plug-in, standard output"},
-    {EXIT_EMPTY, "a key that was asked for is there, but empty"},
+    {tool::EXIT_FINE, "fine"},
+    {tool::EXIT_FINDINGS, "the input has errors, two texts differ, or what was looked for is not there"},
+    {tool::EXIT_USAGE, "wrong usage: an unknown command, option, chip or subsystem"},
+    {tool::EXIT_SYSTEM, "the system failed: a file, the database, a plug-in, standard output"},
+    {tool::EXIT_EMPTY, "a key that was asked for is there, but empty"},
 };
 
 /// "kes metadata build": the command as it is typed.

@@ -2,10 +2,10 @@
 
 #include "cli/ManPages.h"
 
-#include "cli/ExitCodes.h"
 #include "cli/Help.h"
 #include "files/Files.h"
 #include "files/ReplaceFile.h"
+#include "tool/output/ExitCodes.h"
 
 #include <algorithm>
 #include <cctype>
@@ -235,7 +235,7 @@ void MakeFolders(const std::string& path) {
 int WriteManPages(const CLI::App& app, const std::string& folder) {
     MakeFolders(folder);
     WritePages(app, folder);
-    return EXIT_FINE;
+    return tool::EXIT_FINE;
 }
 
 }  // namespace kes::cli

@@ -1,12 +1,12 @@
 #include "cli/Complete.h"
-#include "cli/Diagnostics.h"
-#include "cli/ExitCodes.h"
 #include "cli/Globals.h"
 #include "cli/Help.h"
 #include "cli/ManPages.h"
-#include "cli/NearNames.h"
-#include "cli/Printable.h"
 #include "files/SignalCleanup.h"
+#include "tool/output/Diagnostics.h"
+#include "tool/output/ExitCodes.h"
+#include "tool/output/NearNames.h"
+#include "tool/output/Printable.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
