@@ -6,6 +6,7 @@
 #include "files/OpenFile.h"
 #include "files/PreparedFile.h"
 #include "files/ReplaceFile.h"
+#include "files/SignalCleanup.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -50,6 +51,31 @@ std::string ReadSetFile(const std::string& folder, const SetEntry& entry) {
     }
     return ReadFile(final, Readable::REGULAR_FILES).bytes;
 }
+
+namespace {
+
+/// Writes the journal, with which the new files count. They are returned, since they stay locked.
+std::vector<OpenFile> KeepAndCommit(const std::string& folder,
+                                    const std::vector<std::unique_ptr<PreparedFile>>& prepared,
+                                    const FolderJournal& journal) {
+    // Meanwhile nobody would remove the new files: they are kept already, and no journal names them yet.
+    const SignalsHeld held;
+    std::vector<OpenFile> locked;
+    locked.reserve(prepared.size());
+    for (const auto& file : prepared) locked.push_back(file->Keep());
+    try {
+        ReplaceFile(Join(folder, JOURNAL_NAME), EncodeJournal(journal));
+    } catch (const FileError&) {
+        if (!Look(Join(folder, JOURNAL_NAME))) {
+            for (const auto& file : prepared) Disk().Remove(file->TemporaryPath());
+            throw;
+        }
+        // Committed all the same; what is wrong with the folder will show when the journal is finished.
+    }
+    return locked;
+}
+
+}  // namespace
 
 struct SetWriter::State {
     std::string folder;
@@ -96,18 +122,7 @@ std::vector<std::string> SetWriter::Commit(const SetChange& change) {
     // The names of the new files must be there before the journal can be.
     SyncFolder(folder);
     if (mpState->isNew) SyncFolder(FolderOf(folder));
-    std::vector<OpenFile> locked;
-    locked.reserve(prepared.size());
-    for (const auto& file : prepared) locked.push_back(file->Keep());
-    try {
-        ReplaceFile(Join(folder, JOURNAL_NAME), EncodeJournal(journal));
-    } catch (const FileError&) {
-        if (!Look(Join(folder, JOURNAL_NAME))) {
-            for (const auto& file : prepared) Disk().Remove(file->TemporaryPath());
-            throw;
-        }
-        // Committed all the same; what is wrong with the folder will show below.
-    }
+    const std::vector<OpenFile> locked = KeepAndCommit(folder, prepared, journal);
     mpState->isNew = false;
     try {
         FinishJournal(folder, journal);

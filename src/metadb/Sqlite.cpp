@@ -104,9 +104,10 @@ void Sqlite::Fail(int code) const {
     const char* text = mpDatabase ? sqlite3_errmsg(mpDatabase.get()) : sqlite3_errstr(code);
     // SQLite calls a database malformed whose bytes cannot be read.
     int cause = 0;
-    const bool isKnown = mpDatabase && sqlite3_file_control(mpDatabase.get(), "main", SQLITE_FCNTL_LAST_ERRNO,
-                                                            &cause) == SQLITE_OK;
-    if (isKnown && cause != 0) throw DatabaseError(mPath + ": " + std::generic_category().message(cause));
+    const bool isOpen = mpDatabase && sqlite3_file_control(mpDatabase.get(), "main", SQLITE_FCNTL_LAST_ERRNO,
+                                                           &cause) == SQLITE_OK;
+    if (!isOpen && mpDatabase) cause = sqlite3_system_errno(mpDatabase.get());
+    if (cause != 0) throw DatabaseError(mPath + ": " + std::generic_category().message(cause));
     throw DatabaseError(mPath + ": " + text);
 }
 
