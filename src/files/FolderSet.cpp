@@ -17,7 +17,7 @@ namespace VemoKesConfigTools::files {
 
 std::vector<SetEntry> ListSet(const std::string& folder, std::string_view ending) {
     std::vector<std::string> names = ListFolder(folder);
-    // Looked for after the listing: a save that is committed by now is taken whole.
+    // Read after the listing: if a save is committed in between, the journal still names all its files.
     const std::optional<FolderJournal> journal = ReadJournal(folder);
     std::map<std::string, std::string> put;
     std::set<std::string> removed;
@@ -44,7 +44,7 @@ std::string ReadSetFile(const std::string& folder, const SetEntry& entry) {
     try {
         return ReadFile(entry.path, Readable::REGULAR_FILES).bytes;
     } catch (const FileError& error) {
-        // It has got its name already.
+        // Missing under its temporary name: a writer has renamed it since the listing.
         if (error.Number() != ENOENT || entry.path == final)
             throw FileError(error.Action(), final, error.Cause());
     }
@@ -68,8 +68,9 @@ SetWriter::SetWriter(const std::string& folder) : mpState(std::make_unique<State
     const std::optional<FileStatus> status = Look(folder);
     if (!status || status->kind != FileKind::FOLDER)
         throw FileError(FileAction::OPEN, folder, status ? ENOTDIR : ENOENT);
-    // The first lock was that of the parent when the folder was missing.
+    // If the folder was missing, the first lock was on its parent.
     mpState->lock = FileLock(folder, LockMode::EXCLUSIVE);
+    // The journal first: the temporary files that it lists hold committed content and must not be cleared.
     if (const auto journal = ReadJournal(folder)) FinishJournal(folder, *journal);
     ClearTemporaries(folder, {}, SET_MARK);
     ClearTemporaries(folder, JOURNAL_NAME, REPLACEMENT_MARK);
@@ -93,9 +94,11 @@ std::vector<std::string> SetWriter::Commit(const SetChange& change) {
             std::make_unique<PreparedFile>(target, SET_MARK, file.content, /*force=*/false, notes));
         journal.puts.push_back({file.name, NameOf(prepared.back()->TemporaryPath())});
     }
-    // The names of the new files must be there before the journal can be.
+    // The temporary names must be on the disk before a journal that refers to them.
     SyncFolder(folder);
     if (mpState->isNew) SyncFolder(FolderOf(folder));
+    // From here on the temporary files outlive a crash. Their locks are held until the end so that no other
+    // process clears them.
     std::vector<OpenFile> locked;
     locked.reserve(prepared.size());
     for (const auto& file : prepared) locked.push_back(file->Keep());
@@ -106,7 +109,7 @@ std::vector<std::string> SetWriter::Commit(const SetChange& change) {
             for (const auto& file : prepared) Disk().Remove(file->TemporaryPath());
             throw;
         }
-        // Committed all the same; what is wrong with the folder will show below.
+        // The journal was renamed, so the save is committed; an error of the folder will recur below.
     }
     mpState->isNew = false;
     try {
@@ -114,7 +117,7 @@ std::vector<std::string> SetWriter::Commit(const SetChange& change) {
     } catch (const FileError& error) {
         throw FileError(
             error.Action(), error.Path(),
-            error.Cause() + "; the new files count all the same, and the next save finishes this");
+            error.Cause() + "; the save is committed nevertheless, and the next save completes it");
     }
     return notes;
 }
