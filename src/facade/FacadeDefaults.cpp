@@ -1,4 +1,4 @@
-// Default values, and all that can be asked of them.
+// Loading and querying default values.
 
 #include "facade/FacadeSupport.h"
 #include "facade/FrameworkFacade.h"
@@ -21,6 +21,7 @@ bool FrameworkFacade::LoadDefaults(const SubsystemRef& subsystem) {
     if (reader == nullptr) return Fail(FUNCTION, ERROR_PLUGIN, NO_PROVIDER);
     if (!mOwningChip) return Fail(FUNCTION, ERROR_DATA, NO_CHIP);
     if (!subsystem) return false;
+    // The metadata provider is also the reader of the defaults in its database.
     reader->SetObserver(mpDefaultChip.get());
     CKesContext context = QuestionContext(*subsystem, LayerIndexVals::Defaults);
     context.SetDevice(0);

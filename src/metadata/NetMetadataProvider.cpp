@@ -98,6 +98,7 @@ std::shared_ptr<MetadataDetails> NetMetadataProvider::GetMetadataDetails(
     if (!metadata) return nullptr;
     if (metadata->Details()) return metadata->Details();
     if (!IsProviderValid()) return nullptr;
+    // Without an earlier listing the chip is unknown.
     if (!mpContext || !subsystem) return nullptr;
     mpContext->SetTag(STR_SUBSYSTEM_TYPE, subsystem->Type());
     const IMetadata& record =
