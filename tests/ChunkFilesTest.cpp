@@ -180,7 +180,7 @@ TEST(ChunkFiles, AreRefusedWholeWhenTheyAreDamaged) {
     EXPECT_TRUE(LoadedFrom({{"a", good + "x"}}, folder).starts_with(CORRUPT));
     EXPECT_EQ(LoadedFrom({{"a", ChunkOf({}, 0, "sys_arm")}}, folder),
               "0 invalid operation: " + (folder / "read.kcf") +
-                  ": is of the system sys_arm, the configuration of sys_1_0");
+                  ": is for system sys_arm, the configuration is for sys_1_0");
     CChipConfig config;
     EXPECT_EQ(LoadInto(config, folder / "none"),
               "0 unable to open the file: " + (folder / "none") + ": No such file or directory");

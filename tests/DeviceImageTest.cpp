@@ -149,13 +149,13 @@ TEST_F(DeviceImages, OneTimeProgrammableStoresOnlyGainBits) {
         {false, "hci_trace_mask=0x7\npin_code=\"1\"", "1/1/1 4144=0x07; 1/1/1 4133=\"1\""},
         {true, "hci_trace_mask=0xF", "1/1/1 4144=0x0F; 1/1/1 4133=\"1\""},
         {true, "hci_trace_mask=0xE", invalid + "4144 would have bits cleared"},
-        {false, "hci_trace_mask=0xFF", invalid + "4133 would be taken out"},
-        {true, "pin_code=\"11\"", invalid + "4133 would get a value of another form"},
+        {false, "hci_trace_mask=0xFF", invalid + "4133 would be removed"},
+        {true, "pin_code=\"11\"", invalid + "4133 would get a value of a different type or size"},
         {true, "pin_code=\"0\"", invalid + "4133 would have bits cleared"},
         {true, "coex_pads={1, 2}\npin_code=\"3\"", "1/1/1 4144=0x0F; 1/1/1 4133=\"3\"; 1/1/1 4126={1, 2}"},
         {true, "coex_pads={1, 3}", "1/1/1 4144=0x0F; 1/1/1 4133=\"3\"; 1/1/1 4126={1, 3}"},
         {true, "coex_pads={0, 3}", invalid + "4126 would have bits cleared"},
-        {true, "coex_pads={1, 3, 4}", invalid + "4126 would get a value of another form"},
+        {true, "coex_pads={1, 3, 4}", invalid + "4126 would get a value of a different type or size"},
         {true, "hci_trace_mask=0x1F\npin_code=\"3\"\ntx_power_correction.3=-1\ntx_power_correction.2=-1",
          "0 unable to write to the file: store otp 1 has room for 0 bytes, N are needed"},
     };
@@ -187,7 +187,7 @@ TEST_F(DeviceImages, EachOfSeveralKeysOfANumberOnlyGainsBits) {
         {"6", "none"},
         {"7", "none"},
         {"5", "0 invalid operation: one-time-programmable store otp 1: key 4144 would have bits cleared"},
-        {nullptr, "0 invalid operation: one-time-programmable store otp 1: key 4144 would be taken out"}};
+        {nullptr, "0 invalid operation: one-time-programmable store otp 1: key 4144 would be removed"}};
     for (const auto& row : rows) {
         const auto facade = Blank();
         KesTest::ClearErrors();
@@ -284,7 +284,7 @@ TEST_F(DeviceImages, StoresAreMadeOnceWhereTheyHaveRoom) {
         std::string expected;
     } rows[] = {
         {DEVICE_TYPE_SMEM, 1, 500, true, "none"},
-        {DEVICE_TYPE_SMEM, 1, 64, false, invalid + "smem 1 is there already"},
+        {DEVICE_TYPE_SMEM, 1, 64, false, invalid + "smem 1 already exists"},
         {DEVICE_TYPE_SMEM, 2, 31, false,
          invalid + "smem 2: a size of 31 bytes is too small, at least N are needed"},
         {DEVICE_TYPE_SMEM, 2, 1100, false, cannot + "smem 2 takes 2200 bytes of its memory, 2096 are left"},
@@ -414,12 +414,12 @@ TEST_F(DeviceImages, AnEepromIsMadeOrFormattedOnlyWhereNothingIs) {
         {NO_FILE, 0, 10, good},
         {NO_FILE, 0, 8,
          invalid + "an image of 256 bytes has 0 bytes left for the memory eeprom, N are needed"},
-        {NO_FILE, 0, 27, invalid + "2^27 bytes are asked for, an image has at most 2^26"},
+        {NO_FILE, 0, 27, invalid + "2^27 bytes are requested, an image has at most 2^26"},
         {1024, '\xFF', 10, good},
         {1024, '\0', 10, good},
         {1000, '\xFF', 0, good},
         {1000, '\xFF', -1, good},
-        {1000, '\xFF', 10, invalid + "has 1000 bytes, 1024 are asked for"},
+        {1000, '\xFF', 10, invalid + "has 1000 bytes, 1024 are requested"},
         {1024, 'x', 10, invalid + "is neither blank nor a device image"},
         {1024, 'x', 0, invalid + "is neither blank nor a device image"},
     };
@@ -441,9 +441,9 @@ TEST_F(DeviceImages, AnEepromIsMadeOrFormattedOnlyWhereNothingIs) {
     }
     ASSERT_TRUE(facade->SaveToDeviceKesEeprom(mFolder / "second", 10, 0x50));
     EXPECT_FALSE(facade->SaveToDeviceKesEeprom(mFolder / "second", 11, 0x50));
-    EXPECT_EQ(WithoutPath(LastError(), mFolder / "second"), invalid + "has 1024 bytes, 2048 are asked for");
+    EXPECT_EQ(WithoutPath(LastError(), mFolder / "second"), invalid + "has 1024 bytes, 2048 are requested");
     EXPECT_FALSE(facade->SaveToDeviceKesEeprom(mFolder / "second", 10, 0x51));
-    EXPECT_EQ(WithoutPath(LastError(), mFolder / "second"), invalid + "has the I2C mask 80, 81 is asked for");
+    EXPECT_EQ(WithoutPath(LastError(), mFolder / "second"), invalid + "has the I2C mask 80, 81 is requested");
 }
 
 TEST_F(DeviceImages, ThoseOfAnotherKindChipOrSystemAreRefused) {
@@ -457,7 +457,7 @@ TEST_F(DeviceImages, ThoseOfAnotherKindChipOrSystemAreRefused) {
     EXPECT_EQ(SavedKld(path, At("eeprom", 1, "max_acl_links=1")), "1/15/1 4101=1");
     const auto other = Blank("ostrell_310_1_7");
     const std::string otherSystem =
-        invalid + "is of the system ostrell_520_2_3, the configuration of ostrell_310_1_7";
+        invalid + "is for system ostrell_520_2_3, the configuration is for ostrell_310_1_7";
     EXPECT_FALSE(Load(*other, ImageFamily::Kld, path));
     EXPECT_EQ(WithoutPath(LastError(), path), otherSystem);
     EXPECT_FALSE(other->SaveToDeviceOstrel(path, true));
@@ -470,9 +470,9 @@ TEST_F(DeviceImages, ThoseOfAnotherKindChipOrSystemAreRefused) {
     EXPECT_EQ(Made(geometry), "made");
     EXPECT_FALSE(Save(*other, ImageFamily::Eeprom, mFolder / "made.img"));
     EXPECT_EQ(WithoutPath(LastError(), mFolder / "made.img"),
-              invalid + "is for the chip 76, and ostrell_310_1_7 has the chip 61");
+              invalid + "is for chip 76, but ostrell_310_1_7 has chip 61");
     EXPECT_EQ(WithoutPath(Read(ImageFamily::Kld, path + "?fast"), path + "?fast"),
-              invalid + "unknown option \"fast\" behind \"?\": device images take none");
+              invalid + "unknown option \"fast\" after \"?\": device images have none");
 }
 
 TEST_F(DeviceImages, AreMadeOnlyOfWhatTheirFamilyHasAndOverNothingElse) {
@@ -487,7 +487,7 @@ TEST_F(DeviceImages, AreMadeOnlyOfWhatTheirFamilyHasAndOverNothingElse) {
          invalid + "an image of 100 bytes has 0 bytes left for the memory otp, N are needed"},
         {{ImageFamily::Eeprom, 0, "", 1U << 27U, 0, {}},
          false,
-         invalid + "an image has at most 67108864 bytes, 134217728 are asked for"},
+         invalid + "an image has at most 67108864 bytes, 134217728 are requested"},
         {{ImageFamily::Isp, 0, "", 4096, 0, {{13, 512}, {14, 512}}},
          false,
          invalid + "the size of the memory dev_cfg is missing"},
@@ -496,12 +496,12 @@ TEST_F(DeviceImages, AreMadeOnlyOfWhatTheirFamilyHasAndOverNothingElse) {
          invalid + "the family isp does not have the memory otp"},
         {{ImageFamily::Isp, 0, "", 4096, 0, {{13, 512}, {13, 512}}},
          false,
-         invalid + "the memory cur_cfg is there twice"},
+         invalid + "the memory cur_cfg is given twice"},
         {{ImageFamily::Isp, 0, "", 4096, 0, {{13, 512}, {14, 512}, {15, 4000}}},
          false,
          invalid + "an image of 4096 bytes has 2576 bytes left for the memory dev_cfg, N are needed"},
         {{ImageFamily::Isp, 0, "", 4096, 0, {{13, 512}, {14, 500}, {15, 512}}}, false, "made"},
-        {{ImageFamily::Kld, 0, "", 4096, 0, {}}, false, invalid + "there is a device image already"},
+        {{ImageFamily::Kld, 0, "", 4096, 0, {}}, false, invalid + "a device image already exists"},
         {{ImageFamily::Kld, 0, "", 4096, 0, {}}, true, "made"},
         {{ImageFamily::Eeprom, 0, std::string(300, 'x'), 8192, 0, {}}, true, "made"},
     };
@@ -511,7 +511,7 @@ TEST_F(DeviceImages, AreMadeOnlyOfWhatTheirFamilyHasAndOverNothingElse) {
     EXPECT_EQ(Made({}),
               invalid + "an image of 0 bytes has 0 bytes left for the memory eeprom, 64 are needed");
     EXPECT_EQ(Made({ImageFamily::Eeprom, 0, "", 4096, 0, {}}),
-              invalid + "there is a file already, which is neither blank nor an image");
+              invalid + "a file already exists that is neither blank nor a device image");
     EXPECT_EQ(VemoKesConfigTools::SystemOfImage(mFolder / "made.img"), std::nullopt);
 }
 

@@ -31,7 +31,7 @@ TEST_F(MetadataProvider, WrongFilesGiveAnErrorThatNamesThem) {
         {"empty.db", "", "not a metadata database"},
         {"foreign.db", changed(68, 'X'), "not a metadata database"},
         {"future.db", changed(63, 1),
-         "its tables have version 1, this library reads version 2; build it anew from its source"},
+         "its tables have version 1, this library reads version 2; rebuild it from its source"},
         {"cut.db", good.substr(0, good.size() / 2), "database disk image is malformed"},
     };
     for (const auto& row : rows) {
@@ -75,7 +75,7 @@ TEST_F(MetadataProvider, TypesThatHoldThemselvesAreRefused) {
     CKesContext context = At("s1", SUBSYSTEM_BT);
     EXPECT_TRUE(provider->MetadataList(context, true).empty());
     EXPECT_EQ(LastError(),
-              "0 " + (mFolder / "loop.db") + ": subsystem bt of s1: struct Loop: it holds itself");
+              "0 " + (mFolder / "loop.db") + ": subsystem bt of s1: struct Loop: it contains itself");
 }
 
 TEST_F(MetadataProvider, StructsThatWouldTakeAllMemoryAreRefused) {
@@ -107,8 +107,9 @@ TEST_F(MetadataProvider, StructsThatWouldTakeAllMemoryAreRefused) {
     key.type = "S24";
     WriteDatabase(mFolder / "huge.db", {system});
     EXPECT_FALSE(Open(mFolder / "huge.db")->MetadataByPsid(1, context, true).IsValid());
-    EXPECT_EQ(LastError(), "0 " + (mFolder / "huge.db") +
-                               ": subsystem bt of s1: key huge: its struct S24 holds more than 65536 values");
+    EXPECT_EQ(LastError(),
+              "0 " + (mFolder / "huge.db") +
+                  ": subsystem bt of s1: key huge: its struct S24 contains more than 65536 values");
 }
 
 /// All that a provider tells of the small database.
@@ -268,8 +269,8 @@ TEST_F(MetadataProvider, WhatIsNoFileIsRefusedAtOnce) {
     const std::string pipe = mFolder / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const std::pair<std::string, const char*> rows[] = {
-        {pipe, ": is no regular file"},
-        {"/dev/zero", ": is no regular file"},
+        {pipe, ": is not a regular file"},
+        {"/dev/zero", ": is not a regular file"},
         {mFolder.Path(), ": is a directory"},
         {mFolder / "none", ": cannot be opened: No such file or directory"},
     };

@@ -107,10 +107,10 @@ void CheckPlace(const EncodedPlace& held, const EncodedPlace& wanted, const std:
         };
         const std::size_t nth = seen[record.key]++;
         const auto found = wantedByKey.find(record.key);
-        if (found == wantedByKey.end() || found->second.size() <= nth) throw refusal(" would be taken out");
+        if (found == wantedByKey.end() || found->second.size() <= nth) throw refusal(" would be removed");
         const Fit fit = FitOf(record, *found->second[nth]);
         if (fit == Fit::ClearsBits) throw refusal(" would have bits cleared");
-        if (fit == Fit::HasAnotherForm) throw refusal(" would get a value of another form");
+        if (fit == Fit::HasAnotherForm) throw refusal(" would get a value of a different type or size");
     }
 }
 
