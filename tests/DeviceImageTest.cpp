@@ -1,5 +1,4 @@
-// Devices as images: what is saved, kept, refused and found again, through the host API and the real
-// plug-ins.
+// Device images: what is saved, kept, rejected and read back, through the host API and the real plug-ins.
 
 #include "model/CKesContext.h"
 #include "model/CReaderWriterFactory.h"
@@ -29,12 +28,12 @@ namespace {
 
 constexpr std::uint32_t KIB = 1024;
 
-/// The lines of a place of a text.
+/// The lines of one place in a text.
 std::string At(const std::string& device, int store, const std::string& keys) {
     return "subsystem=bt\ndevice=" + device + "\nstore=" + std::to_string(store) + "\n" + keys + "\n";
 }
 
-/// Collects warnings while it lives.
+/// Collects warnings during its lifetime.
 class Warnings final : public VemoKesConfigTools::CMessageHandlerObserver {
 public:
     Warnings() { VemoKesConfigTools::CTheMsgHnd::AddObserver(*this); }
@@ -47,8 +46,8 @@ public:
 
 class DeviceImages : public KesTest::DeviceSession {
 protected:
-    /// Saves a text to a device, and gives what it holds then. An error comes without the path, and must have
-    /// changed nothing.
+    /// Saves a text to a device and returns the content of the device. An error is returned without the path;
+    /// it must have changed nothing.
     std::string Saved(ImageFamily family, const std::string& path, const std::string& text,
                       bool merge = false) {
         const auto facade = Holding(text);
@@ -61,7 +60,7 @@ protected:
     std::string SavedKld(const std::string& path, const std::string& text, bool merge = false) {
         return Saved(ImageFamily::Kld, path, text, merge);
     }
-    /// What a content needs is a matter of its encoding.
+    /// Replaces the needed size, which depends on the encoding.
     static std::string WithoutNeed(const std::string& error) {
         const std::size_t end = error.find(" are needed");
         if (end == std::string::npos) return error;
@@ -71,7 +70,7 @@ protected:
     static std::string WithoutPath(const std::string& error, const std::string& path) {
         return KesTest::Replaced(error, path + ": ", "");
     }
-    /// What `CreateImage` refuses, or "made".
+    /// The error of `CreateImage`, or "made".
     std::string Made(const ImageGeometry& geometry, bool force = false) {
         try {
             CreateImage(mFolder / "made.img", geometry, force);
@@ -80,7 +79,7 @@ protected:
             return VemoKesConfigTools::TextOf(refusal, "C");
         }
     }
-    /// `DEVICE/STORE SIZE FREE`, with a "p" behind for a pair.
+    /// `DEVICE/STORE SIZE FREE`, followed by "p" for a pair.
     static std::string Stores(FrameworkFacade& facade) {
         std::string text;
         for (const auto& store : facade.GetStores()) {
@@ -93,7 +92,7 @@ protected:
     }
 };
 
-TEST_F(DeviceImages, ExamplesComeBackFromEveryFamilyAndAreNotWrittenTwice) {
+TEST_F(DeviceImages, ExamplesAreReadBackFromEveryFamilyAndNotWrittenTwice) {
     std::size_t tried = 0;
     for (const auto& entry : std::filesystem::directory_iterator(KesTest::EXAMPLE_FOLDER)) {
         const std::string text = KesTest::ReadFile(entry.path().string());
@@ -116,7 +115,7 @@ TEST_F(DeviceImages, ExamplesComeBackFromEveryFamilyAndAreNotWrittenTwice) {
     EXPECT_GE(tried, 12U);
 }
 
-TEST_F(DeviceImages, AMergeReplacesEqualKeysAndASaveWithoutOneKeepsNothing) {
+TEST_F(DeviceImages, AMergeReplacesEqualKeysAndASaveWithoutMergeKeepsNothing) {
     const struct {
         bool merge;
         std::string text;
@@ -161,7 +160,7 @@ TEST_F(DeviceImages, OneTimeProgrammableStoresOnlyGainBits) {
     };
     const std::string path = Image(ImageFamily::Kld, 4 * KIB);
     const auto memory = [&] {
-        // The first memory of the table is that one.
+        // It is the first memory of the table.
         const std::string bytes = KesTest::ReadFile(path);
         return bytes.substr(
             static_cast<unsigned char>(bytes[68]) + 256U * static_cast<unsigned char>(bytes[69]), 256);
@@ -177,7 +176,7 @@ TEST_F(DeviceImages, OneTimeProgrammableStoresOnlyGainBits) {
     }
 }
 
-TEST_F(DeviceImages, EachOfSeveralKeysOfANumberOnlyGainsBits) {
+TEST_F(DeviceImages, EachOfSeveralKeysWithOneNumberOnlyGainsBits) {
     const std::string path = Image(ImageFamily::Kld, 16 * KIB);
     const auto bt = KesTest::SubsystemNamed("bt");
     const struct {
@@ -202,7 +201,7 @@ TEST_F(DeviceImages, EachOfSeveralKeysOfANumberOnlyGainsBits) {
     EXPECT_EQ(Read(ImageFamily::Kld, path), "1/1/1 4144=0x01; 1/1/1 4144=0x07");
 }
 
-TEST_F(DeviceImages, WhatDoesNotFitIsRefusedWithBothSizes) {
+TEST_F(DeviceImages, ContentsThatDoNotFitAreRejectedWithBothSizes) {
     std::string many;
     for (int i = 0; i < 60; ++i) many += "tx_power_correction." + std::to_string(i) + "=-3\n";
     const std::string cannot = "0 unable to write to the file: ";
@@ -222,7 +221,7 @@ TEST_F(DeviceImages, WhatDoesNotFitIsRefusedWithBothSizes) {
         << "what others need at least is kept for them";
 }
 
-TEST_F(DeviceImages, EitherHalfOfAPairIsEnoughAndIsMended) {
+TEST_F(DeviceImages, EitherHalfOfAPairIsEnoughAndIsRepaired) {
     const std::string held = "1/2/1 4101=2";
     const struct {
         std::vector<std::uint32_t> damaged;  ///< halves
@@ -251,8 +250,7 @@ TEST_F(DeviceImages, EitherHalfOfAPairIsEnoughAndIsMended) {
             return text;
         };
         EXPECT_EQ(states(), "pcpc");
-        // The four banks of the store follow each other, and the current content stands in the second and
-        // fourth.
+        // The four banks of the store are contiguous, and the current content is in the second and fourth.
         const std::size_t first = bytes.find("KBNK", bytes.find("KBNK") + 1);
         for (const std::uint32_t half : row.damaged) bytes[first + half * 512 + 20] ^= 1;
         mFolder.Write("device.img", bytes);
@@ -272,7 +270,7 @@ TEST_F(DeviceImages, EitherHalfOfAPairIsEnoughAndIsMended) {
     }
 }
 
-TEST_F(DeviceImages, StoresAreMadeOnceWhereTheyHaveRoom) {
+TEST_F(DeviceImages, StoresAreCreatedOnceIfThereIsRoom) {
     const std::string path = Image(ImageFamily::Kld, 16 * KIB);
     const std::string cannot = "0 unable to write to the file: store ";
     const std::string invalid = "0 invalid operation: store ";
@@ -311,7 +309,7 @@ TEST_F(DeviceImages, StoresAreMadeOnceWhereTheyHaveRoom) {
     EXPECT_EQ(application, 4U * 12U);
 }
 
-TEST_F(DeviceImages, AStoreManagerSeesWhatTheDeviceHasNow) {
+TEST_F(DeviceImages, AStoreManagerReadsTheDeviceEachTime) {
     namespace kes = VemoKesConfigTools;
     const std::string path = Image(ImageFamily::Kld, 16 * KIB);
     const std::unique_ptr<kes::IStoreManager> manager(
@@ -330,7 +328,7 @@ TEST_F(DeviceImages, AStoreManagerSeesWhatTheDeviceHasNow) {
     EXPECT_EQ(LastError(), "0 unable to open the file: " + path + ": No such file or directory");
 }
 
-TEST_F(DeviceImages, TheDocumentShowsARealOne) {
+TEST_F(DeviceImages, TheDocumentShowsARealImage) {
     const std::string path = mFolder / "device.img";
     ASSERT_TRUE(Holding("file=bt1\nmax_acl_links = 3\n")->SaveToDeviceKesEeprom(path, 9, 0)) << LastError();
     ASSERT_TRUE(Holding("file=bt1\nmax_acl_links = 4\n")->SaveToDeviceKesEeprom(path, 0, 0)) << LastError();
@@ -353,7 +351,7 @@ TEST_F(DeviceImages, TheDocumentShowsARealOne) {
         KesTest::ReadFile(std::string(KES_TEST_SOURCE_DIR) + "/docs/device-image.md"));
     for (std::string line; std::getline(document, line);) {
         constexpr std::size_t ROW = 3 + 1 + 16 * 3;
-        // An offset of three digits, two blanks, bytes.
+        // An offset of three digits, two spaces, bytes.
         if (line.find_first_not_of("0123456789abcdef") == 3 && line.size() >= ROW &&
             line.substr(3, 2) == "  ")
             documented += line.substr(0, ROW) + "\n";
@@ -399,14 +397,14 @@ TEST_F(DeviceImages, StoreSetsAreReadOneByOneAndReplacedOneByOne) {
     EXPECT_EQ(ReadImageInfo(path).resets, 1U);
 }
 
-TEST_F(DeviceImages, AnEepromIsMadeOrFormattedOnlyWhereNothingIs) {
+TEST_F(DeviceImages, AnEepromIsCreatedOrFormattedOnlyIfMissingOrBlank) {
     const std::string path = mFolder / "chip";
     const std::string invalid = "0 invalid operation: ";
     const std::string good = "1/15/1 4101=1";
     constexpr std::size_t NO_FILE = 0;
     const struct {
-        std::size_t size;  ///< of the file in front
-        char byte;         ///< of which it consists
+        std::size_t size;  ///< of the existing file
+        char byte;         ///< of its content
         std::int32_t exponent;
         std::string expected;
     } rows[] = {
@@ -446,7 +444,7 @@ TEST_F(DeviceImages, AnEepromIsMadeOrFormattedOnlyWhereNothingIs) {
     EXPECT_EQ(WithoutPath(LastError(), mFolder / "second"), invalid + "has the I2C mask 80, 81 is requested");
 }
 
-TEST_F(DeviceImages, ThoseOfAnotherKindChipOrSystemAreRefused) {
+TEST_F(DeviceImages, ImagesOfAnotherFamilyChipOrSystemAreRejected) {
     const std::string path = Image(ImageFamily::Kld, 16 * KIB);
     const std::string invalid = "0 invalid operation: ";
     EXPECT_EQ(WithoutPath(Read(ImageFamily::Isp, path), path),
@@ -475,7 +473,7 @@ TEST_F(DeviceImages, ThoseOfAnotherKindChipOrSystemAreRefused) {
               invalid + "unknown option \"fast\" after \"?\": device images have none");
 }
 
-TEST_F(DeviceImages, AreMadeOnlyOfWhatTheirFamilyHasAndOverNothingElse) {
+TEST_F(DeviceImages, AreCreatedWithMemoriesOfTheirFamilyAndReplaceNothingElse) {
     const std::string invalid = "invalid operation: C: ";
     const struct {
         ImageGeometry geometry;

@@ -1,5 +1,5 @@
-// The JSON source of metadata: what is refused, where it is pointed at, and that nothing is lost on the way
-// through a database.
+// The JSON source of metadata: what is rejected, with which position, and that a database preserves
+// everything.
 
 #include "metadb/JsonSource.h"
 #include "metadb/MetadataDatabase.h"
@@ -14,7 +14,7 @@ using KesTest::TempFolder;
 
 namespace {
 
-/// A source of one subsystem, whose keys and types stand on lines of their own.
+/// A source with one subsystem, whose keys and types are on separate lines.
 std::string Source(const std::string& keys, const std::string& types = "",
                    const std::string& subsystem = "bt") {
     return "{\"systems\": [{\"label\": \"s1\", \"chip\": {\"name\": \"C\", \"id\": 75}, \"subsystems\": [\n"
@@ -34,7 +34,7 @@ std::vector<std::string> Faults(const std::string& text) {
     return shown;
 }
 
-TEST(MetadataSource, PointsAtWhatIsWrong) {
+TEST(MetadataSource, ReportsFaultsWithTheirPlaces) {
     const std::string good = R"({"psid": 1, "name": "a", "type": "uint8"})";
     const struct {
         std::string source;
@@ -132,8 +132,8 @@ TEST(MetadataSource, FindsAllFaultsOfASourceAtOnce) {
         4U);
 }
 
-TEST(MetadataSource, TheStructOfAKeyMayHoldManyValuesButNotAnyNumber) {
-    // Each struct holds twice what the one before it holds: 2 to the power of 16 in the last.
+TEST(MetadataSource, TheStructOfAKeyHasALimitedNumberOfValues) {
+    // Each struct contains twice as many values as the previous one: 2^16 in the last.
     std::string structs = R"("structs": {"S0": [{"name": "a", "type": "uint8"}])";
     for (int i = 1; i <= 16; ++i) {
         const std::string field = R"("type": "S)" + std::to_string(i - 1) + "\"}";
@@ -147,7 +147,7 @@ TEST(MetadataSource, TheStructOfAKeyMayHoldManyValuesButNotAnyNumber) {
               std::vector<std::string>{"4:34: its struct More contains more than 65536 values"});
 }
 
-TEST(MetadataSource, StructsMayBeDeepButNotWithoutEnd) {
+TEST(MetadataSource, StructsHaveALimitedDepth) {
     const auto nested = [](std::size_t depth) {
         std::string structs = "\"structs\": {";
         for (std::size_t i = 1; i <= depth; ++i) {
@@ -164,7 +164,7 @@ TEST(MetadataSource, StructsMayBeDeepButNotWithoutEnd) {
               std::string::npos);
 }
 
-TEST(MetadataSource, FillsInWhatTheSourceLeavesOut) {
+TEST(MetadataSource, FillsInOmittedMembers) {
     std::vector<SystemData> systems;
     std::vector<SourceFault> faults;
     ReadJsonSource(

@@ -32,6 +32,7 @@ bool FrameworkFacade::LoadDefaults(const SubsystemRef& subsystem) {
 
 bool FrameworkFacade::ReloadKnownDefaults(const HostListRef<SubsystemRef>& subsystems) {
     if (mpDefaultChip) mpDefaultChip->Clear();
+    // `LoadDefaults` comes first in the expression, so that it is called even after a failure.
     bool all = true;
     for (const SubsystemRef& subsystem : subsystems) all = LoadDefaults(subsystem) && all;
     return all;
@@ -39,6 +40,7 @@ bool FrameworkFacade::ReloadKnownDefaults(const HostListRef<SubsystemRef>& subsy
 
 bool FrameworkFacade::HasDeviceDefaults() const {
     if (!mpDefaultChip) return false;
+    // Defaults from the database are in the layer of defaults, those from a device are not.
     return std::ranges::any_of(mpDefaultChip->Subsystems(), [](const auto& entry) {
         CSubsystemConfig* place = entry.second;
         return place != nullptr && !place->Elements().empty() &&

@@ -36,6 +36,7 @@ std::unique_ptr<IConfigReader> FrameworkFacade::BeginDeviceLoad(const char* func
         Fail(function, ERROR_DATA, NO_CHIP);
         return nullptr;
     }
+    // Emptied before the device is accessed: after a failed load, old keys must not pass for the device's.
     if (!merge && mpFileChip) mpFileChip->PrepareForChip(mOwningChip->ChipId());
     const std::string name = Framework::GetString(connection);
     std::unique_ptr<IConfigReader> reader(

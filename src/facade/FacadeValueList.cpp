@@ -33,6 +33,7 @@ std::string FrameworkFacade::LineValueOf(CElement& element, CKesContext& context
 std::shared_ptr<KeyValue> FrameworkFacade::ValueOf(const CSubsystemConfig& place, CElement& element) {
     CKesContext context = place.Place();
     context.SetTag(STR_TXT_SIMPLE_MODE, STR_TRUE);
+    // Defaults do not belong to a device and store, so these are left out of the query.
     CKesContext question;
     question.SetSubsystemType(context.SubsystemType());
     question.SetLayerNumber(LayerIndexVals::Defaults);

@@ -9,6 +9,7 @@ MessageStore& MessageStore::Instance() {
 
 bool MessageStore::BeginCall(CMessageHandlerObserver* observer) {
     const std::lock_guard lock(mutex);
+    // Check and record under one lock: `Remove` either prevents this call or waits for it.
     if (std::ranges::find(observers, observer) == observers.end()) return false;
     calls.push_back({observer, std::this_thread::get_id()});
     return true;

@@ -150,6 +150,8 @@ private:
         if (!mNodes.Expect(member.value, Kind::Array, "a struct")) return;
         if (member.value.items.empty()) mNodes.Fault(member.value.offset, "a struct must have a field");
         StructType type{member.name, {}};
+        // A field without "lsb" follows the previous one. The array length is capped, so that the position
+        // cannot overflow.
         std::int64_t next = 0;
         mNodes.EachObject(&member.value, "a field", [&](const JsonNode& node) {
             FieldData field;

@@ -91,6 +91,7 @@ public:
     }
 
     bool Fail(std::size_t offset, std::string text) {
+        // The parser may report errors that follow from the first one.
         if (!mFault) mFault = {offset, std::move(text)};
         return false;
     }
@@ -137,8 +138,10 @@ private:
     JsonNode& mRoot;
     const std::size_t* mpTaken;
     std::size_t mEnd = 0;  ///< of the last value
+    /// The open arrays and objects. The pointers stay valid: a list only grows while none of its items is
+    /// open.
     std::vector<JsonNode*> mOpen;
-    std::vector<std::set<std::string>> mNames;
+    std::vector<std::set<std::string>> mNames;  ///< of the members of each, to find duplicates
     std::optional<std::pair<std::size_t, std::string>> mFault;
 };
 

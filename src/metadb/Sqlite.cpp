@@ -57,6 +57,7 @@ Sqlite::Sqlite(const std::string& path) : mPath(path) {
         throw UnreadableFile(mPath + ": " + reason);
     }
     Open(UriOf(mPath), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    // Makes SQLite check pages of damaged files when it reads them.
     Execute("PRAGMA cell_size_check = ON");
 }
 
@@ -113,6 +114,7 @@ void Sqlite::Fail(int code) const {
 }
 
 SqliteStatement::~SqliteStatement() {
+    // A statement that is not reset would keep its transaction open.
     Reset();
     mDatabase.mIdle.emplace(mSql, std::move(mpStatement));
 }

@@ -23,6 +23,7 @@ std::string_view NameOf(ImageFamily family) {
 
 void CreateImage(const std::string& connection, const ImageGeometry& geometry, bool force) {
     const std::string path = PathOfConnection(connection);
+    // An invalid geometry is found here, before the file is touched.
     const std::string bytes = RenderImage(LayOut(geometry), {});
     const files::FileLock lock(path, files::LockMode::EXCLUSIVE);
     const ImageSite site = LookAtSite(path);

@@ -171,6 +171,7 @@ ImageHeader DecodeHeader(std::string_view bytes, std::uint64_t fileSize) {
         Damaged("it has format version " + std::to_string(version) + ", this library reads version " +
                 std::to_string(VERSION));
     }
+    // After the version: another version may have its checksum elsewhere.
     if (ByteReader(bytes.substr(HEADER_CRC_OFFSET)).Fixed<std::uint32_t>() !=
         Crc32(bytes.substr(0, HEADER_CRC_OFFSET)))
         Damaged("the checksum of its header is wrong");
@@ -184,7 +185,7 @@ ImageHeader DecodeHeader(std::string_view bytes, std::uint64_t fileSize) {
     const auto memories = reader.Fixed<std::uint8_t>();
     if (memories > MOST_MEMORIES) Damaged("its header has too many memories");
     header.chipId = reader.Fixed<std::uint16_t>();
-    reader.Raw(sizeof(std::uint16_t));
+    reader.Raw(sizeof(std::uint16_t));  // reserved
     for (std::uint32_t* field :
          {&header.size, &header.i2cMask, &header.directoryOffset, &header.directoryBankSize})
         *field = reader.Fixed<std::uint32_t>();
@@ -231,6 +232,7 @@ ImageDirectory DecodeDirectory(std::string_view bank, const ImageHeader& header)
         const auto length = reader.Fixed<std::uint32_t>();
         ByteReader fields(reader.Raw(length));
         const std::size_t end = reader.Offset();
+        // Nothing in the directory is interpreted before its checksum has been verified.
         if (reader.Fixed<std::uint32_t>() != Crc32(bank.substr(0, end))) Damaged("its checksum is wrong");
 
         ImageDirectory directory;
@@ -270,6 +272,7 @@ FoundBank LookAtBank(std::string_view bytes) {
     FoundBank found;
     if (bytes.size() < BANK_OVERHEAD) return found;
     const std::string_view start = bytes.substr(0, BANK_OVERHEAD);
+    // Blank rewritable memory has all bits set, blank one-time-programmable memory none.
     found.isBlank = start == std::string(BANK_OVERHEAD, ERASED) || start == std::string(BANK_OVERHEAD, '\0');
     ByteReader reader(bytes);
     if (reader.Fixed<std::uint32_t>() != BANK_MAGIC) return found;

@@ -91,7 +91,7 @@ StoreRecord FirstStore(const MemoryPlan& plan, const ImageMemory& memory) {
     store.takesEveryId = plan.takesEveryId;
     store.takesOtherPlaces = plan.takesOtherPlaces;
     store.offset = memory.offset;
-    store.bankSize = memory.size / 2 / ALIGNMENT * ALIGNMENT;
+    store.bankSize = memory.size / 2 / ALIGNMENT * ALIGNMENT;  // the area has two banks
     return store;
 }
 

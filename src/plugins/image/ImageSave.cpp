@@ -101,6 +101,7 @@ void SavePlaces(DeviceImage& image, const std::vector<EncodedPlace>& places, con
     }
     if (request.reset) ++change.directory.resets;
     if (!request.systemLabel.empty()) change.directory.systemLabel = request.systemLabel;
+    // If nothing changes, the image is not written at all, which spares the device a write cycle.
     const bool isSame = change.contents.empty() && !request.reset &&
                         change.directory.systemLabel == image.Directory().systemLabel;
     if (!isSame) image.Commit(std::move(change));

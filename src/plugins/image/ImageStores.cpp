@@ -59,6 +59,8 @@ void AddStoresOf(const DeviceImage& image, const ImageMemory& memory,
         reserved -= sizes.least * banks;
         // Leave the minimum that the stores after this one need.
         const std::uint64_t most = left > reserved ? (left - reserved) / banks : 0;
+        // If the preferred size does not fit: one-time-programmable memory takes all that is left, since
+        // every save uses up some of it; other memory takes the minimum.
         const std::uint64_t fallback = oneTime ? most / ALIGNMENT * ALIGNMENT : sizes.least;
         const std::uint64_t size = sizes.wanted <= most ? sizes.wanted : std::max(sizes.least, fallback);
         store.offset = NextOffset(image, memory, stores);
@@ -86,6 +88,7 @@ std::optional<std::size_t> StoreFor(const ImageHeader& header, const std::vector
         if (store.takesOtherPlaces) return false;
         return store.device == place.device && (store.takesEveryId || store.id == place.store);
     };
+    // A store of its own or for its device takes precedence over that for all other places.
     auto found = std::ranges::find_if(stores, takes);
     if (found == stores.end()) {
         found = std::ranges::find_if(stores, &StoreRecord::takesOtherPlaces);

@@ -16,6 +16,7 @@ std::uint16_t ChipIdOf(IMetadataProvider* provider, CKesContext& context) {
 
 void ExpectChip(const ImageHeader& header, IMetadataProvider* provider, CKesContext& context) {
     const std::uint16_t id = ChipIdOf(provider, context);
+    // An image with id 0 fits any chip; an id of 0 in the context means that the metadata has none.
     if (header.chipId == 0 || id == 0 || header.chipId == id) return;
     throw Refusal(STR_OPERATION_INVALID, "is for chip " + std::to_string(header.chipId) + ", but " +
                                              context.Chip() + " has chip " + std::to_string(id));

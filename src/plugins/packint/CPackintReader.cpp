@@ -41,6 +41,7 @@ std::vector<EncodedPlace> CPackintReader::Collect(CKesContext& context, std::str
     }
     const BinaryPlace& place = chunk.place.place;
     if (IsStore(place.device)) {
+        // A chunk file does not contain the size of the store.
         constexpr std::int32_t UNKNOWN_SIZE = -1;
         AddStore({static_cast<IStoreManager::DEVICE>(place.device), static_cast<std::uint16_t>(place.store),
                   static_cast<std::uint32_t>(UNKNOWN_SIZE), UNKNOWN_SIZE, 0, place.order, false});
