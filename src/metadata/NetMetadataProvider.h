@@ -64,8 +64,8 @@ private:
                                                  const VemoKesConfigTools::IMetadata& metadata);
 
     std::unique_ptr<VemoKesConfigTools::IMetadataProvider> mpProvider;
-    std::unique_ptr<VemoKesConfigTools::CKesContext>
-        mpContext;  ///< of the last `GetMetadatas` or `GetSubsystems`
+    /// Of the last `GetMetadatas` or `GetSubsystems`.
+    std::unique_ptr<VemoKesConfigTools::CKesContext> mpContext;
 };
 
 }  // namespace VEMO::Kes::ConfigurationTools

@@ -401,8 +401,8 @@ private:
     std::set<std::string> mKeyNames;
     std::set<std::uint32_t> mPsids;
     std::vector<const JsonNode*> mKeyNodes;  ///< in the order of the keys
-    std::vector<std::pair<const JsonNode*, std::int32_t>>
-        mRecords;  ///< with the uid given in the source; 0 for none
+    /// All records, with the uid given in the source; 0 for none.
+    std::vector<std::pair<const JsonNode*, std::int32_t>> mRecords;
 };
 
 void CheckSubsystemNames(SourceNodes& nodes, const JsonNode& list,
