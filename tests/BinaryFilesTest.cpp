@@ -1,4 +1,4 @@
-// Folders of chunk files: which files are read, in which order, and what counts of their results.
+// Folders of chunk files: which files are read, in which order, and which result a load returns.
 
 #include "support/Recording.h"
 
@@ -26,7 +26,7 @@ protected:
     }
 };
 
-TEST_F(BinaryFiles, FilesThatAreNoneAreLeftAlone) {
+TEST_F(BinaryFiles, OtherFilesAreIgnored) {
     const TempFolder folder;
     folder.Write("a.txt", "x");
     folder.Write("b.kcf.old", "x");
@@ -46,7 +46,7 @@ TEST_F(BinaryFiles, FilesThatAreNoneAreLeftAlone) {
     }
 }
 
-TEST_F(BinaryFiles, TheLastFileReadDecides) {
+TEST_F(BinaryFiles, TheLastFileReadDeterminesTheResult) {
     const TempFolder folder;
     for (const char* name : {"a.kcf", "b.kcf"}) folder.Write(name, "x");
     std::vector<std::string> paths;
@@ -79,7 +79,7 @@ TEST_F(BinaryFiles, AFolderThatCannotBeListedThrowsAndOneWithoutANameIsRefused) 
     Check({Load("", true), false, "0 no folder name is given", BEFORE, ""});
 }
 
-TEST_F(BinaryFiles, ASaveHandsTheFolderToTheWriter) {
+TEST_F(BinaryFiles, ASavePassesTheFolderToTheWriter) {
     const std::string saved =
         "provider\nbegin chip=ostrell_520_2_3 filetype=1 mode=dir\nkey 4098\nkey 4101\nend\ndelete\n";
     const Row rows[] = {

@@ -1,5 +1,5 @@
-// The bytes of binary files: the library, the document of the format and a decoder that was made from the
-// document alone agree on them, and they stay what they are.
+// The bytes of binary files: the library, the document of the format and a decoder that was written from the
+// document alone agree on them, and they do not change.
 
 #include "model/CMetadataProviderFactory.h"
 #include "model/CReaderWriterFactory.h"
@@ -48,7 +48,7 @@ std::string BytesOf(const std::string& digits) {
     return bytes;
 }
 
-/// A value of the decoder as `DumpPayload` has those of the model.
+/// A value from the decoder, in the form in which `DumpPayload` writes those of the model.
 std::string ShowValue(const Json& value) {
     static const std::map<std::string, std::string> TYPES = {
         {"int8", "i8"},    {"int16", "i16"},     {"int32", "i32"},  {"int64", "i64"},
@@ -67,7 +67,7 @@ std::string ShowValue(const Json& value) {
 }
 
 using Keys = std::vector<std::string>;
-/// The keys of each place, which is shown as `SUBSYSTEM/DEVICE/STORE#ORDER`.
+/// The keys of each place, by `SUBSYSTEM/DEVICE/STORE#ORDER`.
 using Places = std::map<std::string, Keys>;
 
 void AddDecoded(const Json& holder, Places& places) {
@@ -113,7 +113,7 @@ std::string SystemOf(const std::string& text) {
     return content.substr(begin, content.find('\n', begin) - begin);
 }
 
-/// The model that the text reader makes of a text.
+/// The model that the text reader builds from a text.
 Places ModelOf(const std::string& text) {
     std::stringstream stream(KesTest::ReadFile(text));
     std::iostream* const input = &stream;
@@ -146,7 +146,7 @@ protected:
     }
 };
 
-TEST_F(BinaryFormat, IsReadAlikeByAnotherDecoder) {
+TEST_F(BinaryFormat, IsReadIdenticallyByAnotherDecoder) {
     constexpr std::uint32_t ENOUGH = 64U << 10U;
     constexpr ImageFamily FAMILIES[] = {ImageFamily::Eeprom, ImageFamily::Isp, ImageFamily::Kld};
     std::size_t texts = 0;
@@ -178,8 +178,8 @@ TEST_F(BinaryFormat, IsReadAlikeByAnotherDecoder) {
     EXPECT_GE(texts, 6U);
 }
 
-/// Files of an earlier version stay readable: a change here is a new version of the format.
-TEST_F(BinaryFormat, OfFilesStays) {
+/// Files of an earlier version stay readable: a change here requires a new version of the format.
+TEST_F(BinaryFormat, OfFilesDoesNotChange) {
     const std::vector<std::string> chunks = ChunksOf(*Loaded(GOLDEN + "/one.ktf"), "chunks");
     ASSERT_EQ(chunks.size(), 1U);
     EXPECT_EQ(KesTest::ReadFile(chunks[0]), KesTest::ReadFile(GOLDEN + "/one.kcf"));
@@ -197,7 +197,7 @@ TEST_F(BinaryFormat, OfFilesStays) {
               KesTest::ReadFile(GOLDEN + "/decoded.json"));
 }
 
-/// The example of the document is the real file, byte for byte.
+/// The example in the document is a real file, byte for byte.
 TEST_F(BinaryFormat, OfChunkFilesIsAsDocumented) {
     const auto facade = Holding("version=ostrell_520_2_3\nfile=bt1\nmax_acl_links = 3\n");
     const std::vector<std::string> saved = ChunksOf(*facade, "doc");
@@ -207,7 +207,7 @@ TEST_F(BinaryFormat, OfChunkFilesIsAsDocumented) {
     EXPECT_NE(document.find(".kcf\n" + printed.out + "```"), std::string::npos) << printed.out;
 }
 
-/// A decoder that takes anything would prove nothing.
+/// A decoder that accepts everything would prove nothing.
 TEST_F(BinaryFormat, IsCheckedByTheDecoder) {
     std::vector<std::string> files = {mFolder / "missing", mFolder.Write("empty", "")};
     for (const std::string name : {"/one.kcf", "/two.img"}) {

@@ -1,5 +1,4 @@
-// Configurations as folders of chunk files, through the real plug-in: what comes back, what is refused, and
-// what a fault of the disk leaves.
+// Configurations as folders of chunk files, through the real plug-in: what is read back and what is rejected.
 
 #include "model/CRawKeysWriter.h"
 #include "model/CReaderWriterFactory.h"
@@ -34,7 +33,7 @@ bool Save(CChipConfig& config, const std::string& folder, IMetadataProvider& pro
     return config.Write(*writer, context);
 }
 
-/// Reads one file. The error is empty where it is good.
+/// Reads one file. The error is empty on success.
 std::string LoadInto(CChipConfig& config, const std::string& path, IMetadataProvider& provider = TextKeys()) {
     LoadPlugins();
     const Messages messages;
@@ -58,7 +57,7 @@ std::string LoadedFrom(const Files& files, const TempFolder& folder,
     return Dump(config);
 }
 
-/// A text in which raw values stay raw.
+/// The configuration as text; raw values stay raw.
 std::string AsText(CChipConfig& config) {
     std::ostringstream stream;
     CKesWriter text(&stream, &TextKeys());
@@ -68,7 +67,7 @@ std::string AsText(CChipConfig& config) {
     return stream.str();
 }
 
-/// Every form of value, in several places; raw values of known keys and keys that nobody knows among them.
+/// Every form of value, in several places, including raw values of known keys, and unknown keys.
 const std::string TEXT =
     "file=audio1\nu8=255\nu16=65535\nu32=0xFFFFFFFF\nu64=0x7FFFFFFFFFFFFFFF\ni8=-128\ni16=-32768\n"
     "i32=-2147483648\ni64=-9223372036854775808\nwhole=-5\nblob=[]\npair=[00 FF]\ndev_name=\"a\\0b\"\n"
@@ -114,7 +113,7 @@ std::string ChunkOf(const std::string& records, std::uint32_t keys = 1,
 
 std::string Bytes(std::initializer_list<int> values) { return {values.begin(), values.end()}; }
 
-/// A field that was given raw, and so need not be what the metadata asks for, must be marked as such.
+/// A field that was given raw need not match the metadata, and must be marked as raw.
 TEST(ChunkFiles, GiveBackStructsWithRawFields) {
     MemoryProvider provider;
     provider.AddSubsystem("audio");
@@ -146,7 +145,8 @@ TEST(ChunkFiles, GiveBackStructsWithRawFields) {
         ASSERT_EQ(Read(text, config, context, provider).findings, "") << value;
         comesBack(config, value);
     }
-    // What no text can say: raw composites without items, and such of a form that the field does not have.
+    // Values that no text can express: raw composites without items, or of a form that the field does not
+    // have.
     const std::string good = Bytes({8, 1, 7}) + Bytes({0x15, 1, 5, 1});
     for (const std::string& last : {Bytes({0x3A, 0}), Bytes({0x38, 0}), Bytes({0x39, 1, 4, 1}),
                                     Bytes({0x38, 1, 8, 1, 65}), Bytes({0x3A, 1, 0x19, 0})}) {
@@ -155,7 +155,7 @@ TEST(ChunkFiles, GiveBackStructsWithRawFields) {
         ASSERT_EQ(LoadInto(config, folder.Write("made.kcf", chunk), provider), "");
         comesBack(config, DumpBytes(last));
     }
-    // A raw item makes its neighbour raw, too, and within that there is nothing left to mark.
+    // A raw item makes its neighbour raw, too; items within it are not marked separately.
     CChipConfig config;
     const std::string chunk =
         ChunkOf(Bytes({0, 2, 2, 0x39, 3}) + good + Bytes({0x1A, 0, 0x19, 3}) + good + Bytes({0x3A, 0}));
@@ -165,7 +165,7 @@ TEST(ChunkFiles, GiveBackStructsWithRawFields) {
 
 constexpr const char* CORRUPT = "0 error converting data from or to a binary [the input seems corrupt]: ";
 
-TEST(ChunkFiles, AreRefusedWholeWhenTheyAreDamaged) {
+TEST(ChunkFiles, AreRejectedAsAWholeWhenDamaged) {
     const TempFolder folder;
     const std::string good = ChunkOf(Bytes({0, 1, 1, 4, 77}));
     ASSERT_EQ(LoadedFrom({{"a", good}}, folder), "[3/15/1 1 u8=u8:77]");
@@ -180,14 +180,14 @@ TEST(ChunkFiles, AreRefusedWholeWhenTheyAreDamaged) {
     EXPECT_TRUE(LoadedFrom({{"a", good + "x"}}, folder).starts_with(CORRUPT));
     EXPECT_EQ(LoadedFrom({{"a", ChunkOf({}, 0, "sys_arm")}}, folder),
               "0 invalid operation: " + (folder / "read.kcf") +
-                  ": is of the system sys_arm, the configuration of sys_1_0");
+                  ": is for system sys_arm, the configuration is for sys_1_0");
     CChipConfig config;
     EXPECT_EQ(LoadInto(config, folder / "none"),
               "0 unable to open the file: " + (folder / "none") + ": No such file or directory");
 }
 
-/// What a right checksum covers is not believed either. A good key stands in front, and must not be taken.
-TEST(ChunkFiles, AreHeldAgainstTheirOwnLengthsAndTheMetadata) {
+/// A file with a correct checksum is checked as well. A valid key comes first, and must not be taken either.
+TEST(ChunkFiles, AreCheckedAgainstTheirOwnLengthsAndTheMetadata) {
     const std::string huge = Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 1});
     std::string nested;
     for (int i = 0; i < 40; ++i) nested += Bytes({0x19, 1});
@@ -233,7 +233,7 @@ TEST(ChunkFiles, AreHeldAgainstTheirOwnLengthsAndTheMetadata) {
         EXPECT_EQ(error.substr(0, error.find(": " + row.cause)), std::string(CORRUPT) + (folder / "read.kcf"))
             << error << " instead of " << row.cause;
     }
-    // Values that were given raw, and keys that nobody knows, are taken as they are.
+    // Raw values and unknown keys are not checked.
     EXPECT_EQ(
         LoadedFrom({{"a", ChunkOf(Bytes({0, 10, 1, 0x27, 100, 0, 99, 1, 0x19, 1, 8, 1, 65}), 2)}}, folder),
         "[3/15/1 10 small=u64:100; 99=struct{\"A\"}]");

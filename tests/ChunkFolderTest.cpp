@@ -1,4 +1,4 @@
-// Folders of chunk files through the host API: what is replaced, what is kept, and what is said.
+// Folders of chunk files through the host API: what is replaced, what is kept, and what is reported.
 
 #include "support/HostSession.h"
 
@@ -31,7 +31,7 @@ protected:
     host::FrameworkFacade mFacade;
 };
 
-TEST_F(ChunkFolder, KeepsWhatIsNoChunkOfTheConfiguration) {
+TEST_F(ChunkFolder, KeepsFilesThatAreNotItsChunks) {
     const std::string folder = mFolder / "chunks";
     ASSERT_TRUE(mFacade.SaveBinary(folder)) << LastError();
     const Files saved = FilesOf(folder);
@@ -68,7 +68,7 @@ TEST_F(ChunkFolder, KeepsWhatIsNoChunkOfTheConfiguration) {
                                          " bytes and says that they are " + std::to_string(some.size()));
 }
 
-TEST_F(ChunkFolder, IsSaidPlainlyWhenItCannotBeWritten) {
+TEST_F(ChunkFolder, ReportsWhyItCannotBeWritten) {
     EXPECT_FALSE(mFacade.SaveBinary(mFolder.Write("file", "x")));
     EXPECT_EQ(LastError(), "0 unable to open the file: " + (mFolder / "file") + ": Not a directory");
     EXPECT_FALSE(mFacade.SaveBinary(mFolder / "no/such/folder"));

@@ -133,10 +133,10 @@ TEST(Check, SaysPlainlyWhyItCannotWork) {
         {{"describe", "bd_adr"}, 1, "ostrell_520_2_3 has no key \"bd_adr\", did you mean bd_addr?"},
         {{"metadata", "check", folder / "none"}, 3, "cannot be opened: No such file or directory"},
         {{"metadata", "check", text}, 1, text + ": file is not a database"},
-        {{"metadata", "check", pipe}, 3, pipe + ": is no regular file"},
+        {{"metadata", "check", pipe}, 3, pipe + ": is not a regular file"},
         {{"metadata", "check", changed}, 1, changed + ": its list of systems is damaged"},
         {{"metadata", "export", text}, 3, "file is not a database"},
-        {{"chips", "--db", pipe}, 3, "kes: " + pipe + ": is no regular file"},
+        {{"chips", "--db", pipe}, 3, "kes: " + pipe + ": is not a regular file"},
     };
     for (const auto& row : rows) {
         const Outcome outcome = RunKes(row.arguments);

@@ -1,4 +1,4 @@
-// Arrays, structs and raw values. Lines stand behind a keyword line, from line 2 of their text on.
+// Arrays, structs and raw values. The lines follow a keyword line and start at line 2 of their text.
 
 #include "support/TextReading.h"
 
@@ -62,7 +62,7 @@ void CheckStructs(const std::vector<Row>& rows) {
     for (const Row& row : rows) EXPECT_EQ(WithStructs(row.lines), row.outcome) << row.lines;
 }
 
-TEST(CompositeValues, ArraysPutTheirItemsSideBySide) {
+TEST(CompositeValues, ArraysListTheirItems) {
     Check({
         {"words = {1, 2, 300}", "19 words=u16:1 u16:2 u16:300"},
         {"words = {1,2}", "19 words=u16:1 u16:2"},
@@ -81,7 +81,7 @@ TEST(CompositeValues, ArraysPutTheirItemsSideBySide) {
     });
 }
 
-TEST(CompositeValues, ArraysHoldTheirLength) {
+TEST(CompositeValues, ArraysCheckTheirLength) {
     Check({
         {"words = {1, 2, 3, 4}",
          "! 2:21 #38 Wrong array length: words must have between 1 and 3 items. 4 found."},
@@ -90,7 +90,7 @@ TEST(CompositeValues, ArraysHoldTheirLength) {
     });
 }
 
-TEST(CompositeValues, StructsTakeOneValueForEachField) {
+TEST(CompositeValues, StructsTakeOneValuePerField) {
     CheckStructs({
         {"bits = {1, 0x0F}", "1 bits=struct{u8:1,u8:15}"},
         {"bits =  \\\n{ \\\n 0x03 /* count */ , \\\n 4 /* nibble */ } \\\n", "1 bits=struct{u8:3,u8:4}"},
@@ -112,7 +112,7 @@ TEST(CompositeValues, StructsTakeOneValueForEachField) {
     });
 }
 
-TEST(CompositeValues, FieldsHoldTheirRange) {
+TEST(CompositeValues, FieldsCheckTheirRange) {
     CheckStructs({
         {"bits = {1, 0x10}", "! 2:16 #24 Number is too large: bits  must be between 0 and 15 (val=16)"},
         {"bits = {1, 256}", "! 2:14 #24 Number is too large: bits  must be between 0 and 15 (val=25)"},
@@ -143,7 +143,7 @@ TEST(CompositeValues, RawFieldsAndArraysWithoutAPayloadType) {
     });
 }
 
-TEST(CompositeValues, RawItemsStandBetweenPercentSigns) {
+TEST(CompositeValues, RawItemsAreEnclosedInPercentSigns) {
     Check({
         {"99 = % 18446744073709551615 [] %", "99=u64:18446744073709551615 \"\""},
         {"99 = %1%", "99=u64:1"},

@@ -1,6 +1,6 @@
-// What devices suffer: writes that fail or are cut, flipped bits, lost ends, and images that lie. The program
-// defines the system calls of the image file itself, and operator new, so that it sees and fails those of the
-// plug-ins.
+// Faults of devices: failing and interrupted writes, flipped bits, truncation, and forged images. The program
+// replaces the system calls on the image file, and operator new, to observe those of the plug-ins and make
+// them fail.
 
 #include "model/Words.h"
 #include "plugins/binary/Bytes.h"
@@ -32,14 +32,14 @@ using VemoKesConfigTools::Crc32;
 
 namespace {
 
-/// One change of a file, or a sync, which has no bytes.
+/// One write to a file, or a sync, which has no bytes.
 struct Step {
     std::size_t offset = 0;
     std::string bytes;
     bool IsSync() const { return bytes.empty(); }
 };
 
-/// What happens to the calls that change a file.
+/// How calls that change a file behave.
 struct Calls {
     bool watching = false;
     int failing = -1;  ///< the number of the call that fails
@@ -92,7 +92,7 @@ __attribute__((visibility("default"))) int rename(const char* from, const char* 
 }
 }
 
-// Not inlined: the compiler would take them for a mixture of two allocators.
+// Not inlined: otherwise the compiler warns about mixing two allocators.
 __attribute__((noinline)) void* operator new(std::size_t size) {
     largestAllocation = std::max(largestAllocation, size);
     void* memory = std::malloc(size);
@@ -125,7 +125,7 @@ protected:
         std::uint32_t size;
         std::string first;
         std::string second;
-        std::string third;  ///< can follow the first one
+        std::string third;  ///< may be saved over the first one
     };
     std::vector<Case> Cases() const {
         return {{"eeprom", ImageFamily::Eeprom, EEPROM_SIZE, Keys("eeprom", "max_acl_links=1"),
@@ -155,7 +155,8 @@ protected:
         return good;
     }
     std::string ReadBytes(ImageFamily family, const std::string& bytes) { return Read(family, Copy(bytes)); }
-    /// A file of these bytes. It is written over and over, in place, which disks do not take for a new file.
+    /// A file with these bytes. It is overwritten in place each time, which is faster than creating a new
+    /// one.
     std::string Copy(const std::string& bytes) {
         std::string path = mFolder / "copy.img";
         if (!std::filesystem::exists(path)) return mFolder.Write("copy.img", bytes);
@@ -169,7 +170,7 @@ std::string Applied(std::string bytes, const Step& step, std::size_t size) {
     return bytes.replace(step.offset, size, step.bytes, 0, size);
 }
 
-TEST_F(DeviceImageFaults, ASaveWhoseDeviceFailsIsAnErrorAndOldOrNew) {
+TEST_F(DeviceImageFaults, ASaveOnAFailingDeviceIsAnErrorAndLeavesOldOrNew) {
     for (const Case& which : Cases()) {
         const std::string before = KesTest::ReadFile(Prepared(which));
         const auto facade = Holding(which.second);
@@ -195,7 +196,7 @@ TEST_F(DeviceImageFaults, ASaveWhoseDeviceFailsIsAnErrorAndOldOrNew) {
     }
 }
 
-TEST_F(DeviceImageFaults, ASaveThatIsCutAtAnyByteIsOldOrNew) {
+TEST_F(DeviceImageFaults, ASaveInterruptedAtAnyByteLeavesOldOrNew) {
     constexpr std::size_t STEP = 7;
     for (const Case& which : Cases()) {
         const auto facade = Holding(which.second);
@@ -206,7 +207,7 @@ TEST_F(DeviceImageFaults, ASaveThatIsCutAtAnyByteIsOldOrNew) {
         ASSERT_TRUE(WatchedSave(*facade, which.family, path, -1, 0)) << LastError();
         const std::string newKeys = Read(which.family, path);
         const std::vector<Step> steps = calls.steps;
-        std::string synced = before;  // what a device without power may fall back to
+        std::string synced = before;  // the state to which a device may return after a power cut
         std::string written = before;
         std::size_t news = 0;
         for (const Step& step : steps) {
@@ -215,7 +216,7 @@ TEST_F(DeviceImageFaults, ASaveThatIsCutAtAnyByteIsOldOrNew) {
                 continue;
             }
             for (std::size_t size = 0; size <= step.bytes.size(); ++size) {
-                // Writes since the last sync may be lost, although a later one is not.
+                // A write since the last sync may be lost even if a later one is not.
                 for (const std::string& base : {written, synced}) {
                     const std::string keys = ReadBytes(which.family, Applied(base, step, size));
                     EXPECT_TRUE(keys == oldKeys || keys == newKeys)
@@ -235,14 +236,14 @@ TEST_F(DeviceImageFaults, ASaveThatIsCutAtAnyByteIsOldOrNew) {
     }
 }
 
-TEST_F(DeviceImageFaults, NoFlippedBitBringsAnythingButTheRightContent) {
+TEST_F(DeviceImageFaults, AFlippedBitNeverGivesWrongContent) {
     for (const Case& which : Cases()) {
         const std::string path = Prepared(which);
-        // Twice, so that older banks are there that must not come back.
+        // Saved twice, so that there are older banks, which must not be returned.
         ASSERT_TRUE(Save(*Holding(which.second), which.family, path)) << LastError();
         const std::string bytes = KesTest::ReadFile(path);
         const std::string keys = ReadBytes(which.family, bytes);
-        // Of the larger one a bit of each byte.
+        // For the larger one only one bit of each byte.
         const std::size_t step = which.size == EEPROM_SIZE ? 1 : 9;
         std::size_t seen = 0;
         for (std::size_t bit = 0; bit < bytes.size() * 8; bit += step) {
@@ -258,7 +259,7 @@ TEST_F(DeviceImageFaults, NoFlippedBitBringsAnythingButTheRightContent) {
     }
 }
 
-TEST_F(DeviceImageFaults, AnEepromThatIsMadeAppearsWholeOrNotAtAll) {
+TEST_F(DeviceImageFaults, ANewEepromImageIsCompleteOrAbsent) {
     const auto facade = Holding(Keys("eeprom", "max_acl_links=1"));
     const std::string path = mFolder / "new.img";
     const auto save = [&](int failing) {
@@ -300,7 +301,7 @@ TEST_F(DeviceImageFaults, AnEepromThatIsMadeAppearsWholeOrNotAtAll) {
     EXPECT_EQ(written, KesTest::ReadFile(path));
 }
 
-/// An image of which some bytes have been changed, with all its checksums set right again.
+/// An image in which some bytes have been changed and all checksums recomputed.
 class LyingImage {
 public:
     explicit LyingImage(std::string bytes) : mBytes(std::move(bytes)) {
@@ -308,7 +309,7 @@ public:
         mStore = mDirectory + 16 + 1 + static_cast<unsigned char>(mBytes[mDirectory + 16]) + 2;
         mBank = Get(mStore + 8) + Get(mStore + 16) * Get(mStore + 12);
     }
-    /// Where the fields are that something is read from.
+    /// The positions of fields that are read.
     std::vector<std::pair<std::size_t, std::size_t>> Fields() const {
         return {{8, 88}, {mDirectory, mStore + 32}, {mBank, mBank + 12 + Get(mBank + 8)}};
     }
@@ -341,7 +342,7 @@ private:
     std::size_t mBank = 0;
 };
 
-TEST_F(DeviceImageFaults, AnImageThatLiesUnderRightChecksumsTakesNoMemoryAndGivesNothing) {
+TEST_F(DeviceImageFaults, AForgedImageWithRightChecksumsAllocatesLittleAndGivesNothing) {
     constexpr std::size_t ENOUGH = 1U << 20U;
     const Case which = Cases().front();
     const LyingImage honest(KesTest::ReadFile(Prepared(which)));
@@ -377,7 +378,7 @@ TEST_F(DeviceImageFaults, AnImageThatLiesUnderRightChecksumsTakesNoMemoryAndGive
     EXPECT_GT(refused, tried / 2);
 }
 
-TEST_F(DeviceImageFaults, WhatAnImageSaysOfItselfMustMakeSense) {
+TEST_F(DeviceImageFaults, HeaderAndDirectoryMustBeConsistent) {
     const Case which = Cases().front();
     const LyingImage honest(KesTest::ReadFile(Prepared(which)));
     const std::size_t store = honest.Store();
@@ -387,28 +388,28 @@ TEST_F(DeviceImageFaults, WhatAnImageSaysOfItselfMustMakeSense) {
         std::uint32_t value;
         const char* cause;
     } rows[] = {
-        {8, 2, 2, "it has version 2 of the format, and 1 is known"},
+        {8, 2, 2, "it has format version 2, this library reads version 1"},
         {10, 1, 4, "its family 4 is unknown"},
         {11, 1, 9, "its header has too many memories"},
-        {16, 4, 513, "it has 512 bytes, and its header says 513"},
-        {24, 4, 170, "the memories of its header overlap or lie outside of it"},
-        {28, 4, 0, "the memories of its header overlap or lie outside of it"},
-        {28, 4, 112, "the memories of its header overlap or lie outside of it"},
+        {16, 4, 513, "it has 512 bytes, its header says 513"},
+        {24, 4, 170, "the memories of its header overlap or lie outside the image"},
+        {28, 4, 0, "the memories of its header overlap or lie outside the image"},
+        {28, 4, 112, "the memories of its header overlap or lie outside the image"},
         {66, 2, 2, "a memory of its header has unknown flags"},
-        {68, 4, 369, "the memory table of its header makes no sense"},
-        {68, 4, 352, "the memories of its header overlap or lie outside of it"},
-        {72, 4, 145, "the memories of its header overlap or lie outside of it"},
-        {honest.Directory(), 4, 0, "its directory is damaged: it does not begin as one"},
-        {store - 2, 2, 2, "its directory is damaged: it has not as many stores as it says"},
-        {store, 2, 3, "its directory is damaged: store device3: there is no such memory"},
+        {68, 4, 369, "the memory table of its header is invalid"},
+        {68, 4, 352, "the memories of its header overlap or lie outside the image"},
+        {72, 4, 145, "the memories of its header overlap or lie outside the image"},
+        {honest.Directory(), 4, 0, "its directory is damaged: its magic number is wrong"},
+        {store - 2, 2, 2, "its directory is damaged: its number of stores is wrong"},
+        {store, 2, 3, "its directory is damaged: store device3: the image has no such memory"},
         {store + 6, 2, 16, "its directory is damaged: a store has unknown flags"},
-        {store + 6, 2, 5, "its directory is damaged: store eeprom: it lies outside of its memory"},
-        {store + 8, 4, 384 + 16, "its directory is damaged: store eeprom: it lies outside of its memory"},
-        {store + 12, 4, 16, "its directory is damaged: store eeprom: it lies outside of its memory"},
-        {store + 16, 4, 2, "its directory is damaged: store eeprom: it has no such bank"},
+        {store + 6, 2, 5, "its directory is damaged: store eeprom: it lies outside its memory"},
+        {store + 8, 4, 384 + 16, "its directory is damaged: store eeprom: it lies outside its memory"},
+        {store + 12, 4, 16, "its directory is damaged: store eeprom: it lies outside its memory"},
+        {store + 16, 4, 2, "its directory is damaged: store eeprom: its current bank is invalid"},
         {store + 16, 4, 1, "store eeprom is damaged"},
         {store + 20, 4, 2, "store eeprom is damaged"},
-        {store + 20, 4, 0, "its directory is damaged: store eeprom: its content makes no sense"},
+        {store + 20, 4, 0, "its directory is damaged: store eeprom: the length of its content is invalid"},
         {store + 24, 4, 49, "its directory is damaged: store eeprom: its content is larger than the store"},
     };
     for (const auto& row : rows) {

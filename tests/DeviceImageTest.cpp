@@ -1,5 +1,4 @@
-// Devices as images: what is saved, kept, refused and found again, through the host API and the real
-// plug-ins.
+// Device images: what is saved, kept, rejected and read back, through the host API and the real plug-ins.
 
 #include "model/CKesContext.h"
 #include "model/CReaderWriterFactory.h"
@@ -29,12 +28,12 @@ namespace {
 
 constexpr std::uint32_t KIB = 1024;
 
-/// The lines of a place of a text.
+/// The lines of one place in a text.
 std::string At(const std::string& device, int store, const std::string& keys) {
     return "subsystem=bt\ndevice=" + device + "\nstore=" + std::to_string(store) + "\n" + keys + "\n";
 }
 
-/// Collects warnings while it lives.
+/// Collects warnings during its lifetime.
 class Warnings final : public VemoKesConfigTools::CMessageHandlerObserver {
 public:
     Warnings() { VemoKesConfigTools::CTheMsgHnd::AddObserver(*this); }
@@ -47,8 +46,8 @@ public:
 
 class DeviceImages : public KesTest::DeviceSession {
 protected:
-    /// Saves a text to a device, and gives what it holds then. An error comes without the path, and must have
-    /// changed nothing.
+    /// Saves a text to a device and returns the content of the device. An error is returned without the path;
+    /// it must have changed nothing.
     std::string Saved(ImageFamily family, const std::string& path, const std::string& text,
                       bool merge = false) {
         const auto facade = Holding(text);
@@ -61,7 +60,7 @@ protected:
     std::string SavedKld(const std::string& path, const std::string& text, bool merge = false) {
         return Saved(ImageFamily::Kld, path, text, merge);
     }
-    /// What a content needs is a matter of its encoding.
+    /// Replaces the needed size, which depends on the encoding.
     static std::string WithoutNeed(const std::string& error) {
         const std::size_t end = error.find(" are needed");
         if (end == std::string::npos) return error;
@@ -71,7 +70,7 @@ protected:
     static std::string WithoutPath(const std::string& error, const std::string& path) {
         return KesTest::Replaced(error, path + ": ", "");
     }
-    /// What `CreateImage` refuses, or "made".
+    /// The error of `CreateImage`, or "made".
     std::string Made(const ImageGeometry& geometry, bool force = false) {
         try {
             CreateImage(mFolder / "made.img", geometry, force);
@@ -80,7 +79,7 @@ protected:
             return VemoKesConfigTools::TextOf(refusal, "C");
         }
     }
-    /// `DEVICE/STORE SIZE FREE`, with a "p" behind for a pair.
+    /// `DEVICE/STORE SIZE FREE`, followed by "p" for a pair.
     static std::string Stores(FrameworkFacade& facade) {
         std::string text;
         for (const auto& store : facade.GetStores()) {
@@ -93,7 +92,7 @@ protected:
     }
 };
 
-TEST_F(DeviceImages, ExamplesComeBackFromEveryFamilyAndAreNotWrittenTwice) {
+TEST_F(DeviceImages, ExamplesAreReadBackFromEveryFamilyAndNotWrittenTwice) {
     std::size_t tried = 0;
     for (const auto& entry : std::filesystem::directory_iterator(KesTest::EXAMPLE_FOLDER)) {
         const std::string text = KesTest::ReadFile(entry.path().string());
@@ -116,7 +115,7 @@ TEST_F(DeviceImages, ExamplesComeBackFromEveryFamilyAndAreNotWrittenTwice) {
     EXPECT_GE(tried, 12U);
 }
 
-TEST_F(DeviceImages, AMergeReplacesEqualKeysAndASaveWithoutOneKeepsNothing) {
+TEST_F(DeviceImages, AMergeReplacesEqualKeysAndASaveWithoutMergeKeepsNothing) {
     const struct {
         bool merge;
         std::string text;
@@ -149,19 +148,19 @@ TEST_F(DeviceImages, OneTimeProgrammableStoresOnlyGainBits) {
         {false, "hci_trace_mask=0x7\npin_code=\"1\"", "1/1/1 4144=0x07; 1/1/1 4133=\"1\""},
         {true, "hci_trace_mask=0xF", "1/1/1 4144=0x0F; 1/1/1 4133=\"1\""},
         {true, "hci_trace_mask=0xE", invalid + "4144 would have bits cleared"},
-        {false, "hci_trace_mask=0xFF", invalid + "4133 would be taken out"},
-        {true, "pin_code=\"11\"", invalid + "4133 would get a value of another form"},
+        {false, "hci_trace_mask=0xFF", invalid + "4133 would be removed"},
+        {true, "pin_code=\"11\"", invalid + "4133 would get a value of a different type or size"},
         {true, "pin_code=\"0\"", invalid + "4133 would have bits cleared"},
         {true, "coex_pads={1, 2}\npin_code=\"3\"", "1/1/1 4144=0x0F; 1/1/1 4133=\"3\"; 1/1/1 4126={1, 2}"},
         {true, "coex_pads={1, 3}", "1/1/1 4144=0x0F; 1/1/1 4133=\"3\"; 1/1/1 4126={1, 3}"},
         {true, "coex_pads={0, 3}", invalid + "4126 would have bits cleared"},
-        {true, "coex_pads={1, 3, 4}", invalid + "4126 would get a value of another form"},
+        {true, "coex_pads={1, 3, 4}", invalid + "4126 would get a value of a different type or size"},
         {true, "hci_trace_mask=0x1F\npin_code=\"3\"\ntx_power_correction.3=-1\ntx_power_correction.2=-1",
          "0 unable to write to the file: store otp 1 has room for 0 bytes, N are needed"},
     };
     const std::string path = Image(ImageFamily::Kld, 4 * KIB);
     const auto memory = [&] {
-        // The first memory of the table is that one.
+        // It is the first memory of the table.
         const std::string bytes = KesTest::ReadFile(path);
         return bytes.substr(
             static_cast<unsigned char>(bytes[68]) + 256U * static_cast<unsigned char>(bytes[69]), 256);
@@ -177,7 +176,7 @@ TEST_F(DeviceImages, OneTimeProgrammableStoresOnlyGainBits) {
     }
 }
 
-TEST_F(DeviceImages, EachOfSeveralKeysOfANumberOnlyGainsBits) {
+TEST_F(DeviceImages, EachOfSeveralKeysWithOneNumberOnlyGainsBits) {
     const std::string path = Image(ImageFamily::Kld, 16 * KIB);
     const auto bt = KesTest::SubsystemNamed("bt");
     const struct {
@@ -187,7 +186,7 @@ TEST_F(DeviceImages, EachOfSeveralKeysOfANumberOnlyGainsBits) {
         {"6", "none"},
         {"7", "none"},
         {"5", "0 invalid operation: one-time-programmable store otp 1: key 4144 would have bits cleared"},
-        {nullptr, "0 invalid operation: one-time-programmable store otp 1: key 4144 would be taken out"}};
+        {nullptr, "0 invalid operation: one-time-programmable store otp 1: key 4144 would be removed"}};
     for (const auto& row : rows) {
         const auto facade = Blank();
         KesTest::ClearErrors();
@@ -202,7 +201,7 @@ TEST_F(DeviceImages, EachOfSeveralKeysOfANumberOnlyGainsBits) {
     EXPECT_EQ(Read(ImageFamily::Kld, path), "1/1/1 4144=0x01; 1/1/1 4144=0x07");
 }
 
-TEST_F(DeviceImages, WhatDoesNotFitIsRefusedWithBothSizes) {
+TEST_F(DeviceImages, ContentsThatDoNotFitAreRejectedWithBothSizes) {
     std::string many;
     for (int i = 0; i < 60; ++i) many += "tx_power_correction." + std::to_string(i) + "=-3\n";
     const std::string cannot = "0 unable to write to the file: ";
@@ -222,7 +221,7 @@ TEST_F(DeviceImages, WhatDoesNotFitIsRefusedWithBothSizes) {
         << "what others need at least is kept for them";
 }
 
-TEST_F(DeviceImages, EitherHalfOfAPairIsEnoughAndIsMended) {
+TEST_F(DeviceImages, EitherHalfOfAPairIsEnoughAndIsRepaired) {
     const std::string held = "1/2/1 4101=2";
     const struct {
         std::vector<std::uint32_t> damaged;  ///< halves
@@ -251,8 +250,7 @@ TEST_F(DeviceImages, EitherHalfOfAPairIsEnoughAndIsMended) {
             return text;
         };
         EXPECT_EQ(states(), "pcpc");
-        // The four banks of the store follow each other, and the current content stands in the second and
-        // fourth.
+        // The four banks of the store are contiguous, and the current content is in the second and fourth.
         const std::size_t first = bytes.find("KBNK", bytes.find("KBNK") + 1);
         for (const std::uint32_t half : row.damaged) bytes[first + half * 512 + 20] ^= 1;
         mFolder.Write("device.img", bytes);
@@ -272,7 +270,7 @@ TEST_F(DeviceImages, EitherHalfOfAPairIsEnoughAndIsMended) {
     }
 }
 
-TEST_F(DeviceImages, StoresAreMadeOnceWhereTheyHaveRoom) {
+TEST_F(DeviceImages, StoresAreCreatedOnceIfThereIsRoom) {
     const std::string path = Image(ImageFamily::Kld, 16 * KIB);
     const std::string cannot = "0 unable to write to the file: store ";
     const std::string invalid = "0 invalid operation: store ";
@@ -284,7 +282,7 @@ TEST_F(DeviceImages, StoresAreMadeOnceWhereTheyHaveRoom) {
         std::string expected;
     } rows[] = {
         {DEVICE_TYPE_SMEM, 1, 500, true, "none"},
-        {DEVICE_TYPE_SMEM, 1, 64, false, invalid + "smem 1 is there already"},
+        {DEVICE_TYPE_SMEM, 1, 64, false, invalid + "smem 1 already exists"},
         {DEVICE_TYPE_SMEM, 2, 31, false,
          invalid + "smem 2: a size of 31 bytes is too small, at least N are needed"},
         {DEVICE_TYPE_SMEM, 2, 1100, false, cannot + "smem 2 takes 2200 bytes of its memory, 2096 are left"},
@@ -311,7 +309,7 @@ TEST_F(DeviceImages, StoresAreMadeOnceWhereTheyHaveRoom) {
     EXPECT_EQ(application, 4U * 12U);
 }
 
-TEST_F(DeviceImages, AStoreManagerSeesWhatTheDeviceHasNow) {
+TEST_F(DeviceImages, AStoreManagerReadsTheDeviceEachTime) {
     namespace kes = VemoKesConfigTools;
     const std::string path = Image(ImageFamily::Kld, 16 * KIB);
     const std::unique_ptr<kes::IStoreManager> manager(
@@ -330,7 +328,7 @@ TEST_F(DeviceImages, AStoreManagerSeesWhatTheDeviceHasNow) {
     EXPECT_EQ(LastError(), "0 unable to open the file: " + path + ": No such file or directory");
 }
 
-TEST_F(DeviceImages, TheDocumentShowsARealOne) {
+TEST_F(DeviceImages, TheDocumentShowsARealImage) {
     const std::string path = mFolder / "device.img";
     ASSERT_TRUE(Holding("file=bt1\nmax_acl_links = 3\n")->SaveToDeviceKesEeprom(path, 9, 0)) << LastError();
     ASSERT_TRUE(Holding("file=bt1\nmax_acl_links = 4\n")->SaveToDeviceKesEeprom(path, 0, 0)) << LastError();
@@ -353,7 +351,7 @@ TEST_F(DeviceImages, TheDocumentShowsARealOne) {
         KesTest::ReadFile(std::string(KES_TEST_SOURCE_DIR) + "/docs/device-image.md"));
     for (std::string line; std::getline(document, line);) {
         constexpr std::size_t ROW = 3 + 1 + 16 * 3;
-        // An offset of three digits, two blanks, bytes.
+        // An offset of three digits, two spaces, bytes.
         if (line.find_first_not_of("0123456789abcdef") == 3 && line.size() >= ROW &&
             line.substr(3, 2) == "  ")
             documented += line.substr(0, ROW) + "\n";
@@ -399,14 +397,14 @@ TEST_F(DeviceImages, StoreSetsAreReadOneByOneAndReplacedOneByOne) {
     EXPECT_EQ(ReadImageInfo(path).resets, 1U);
 }
 
-TEST_F(DeviceImages, AnEepromIsMadeOrFormattedOnlyWhereNothingIs) {
+TEST_F(DeviceImages, AnEepromIsCreatedOrFormattedOnlyIfMissingOrBlank) {
     const std::string path = mFolder / "chip";
     const std::string invalid = "0 invalid operation: ";
     const std::string good = "1/15/1 4101=1";
     constexpr std::size_t NO_FILE = 0;
     const struct {
-        std::size_t size;  ///< of the file in front
-        char byte;         ///< of which it consists
+        std::size_t size;  ///< of the existing file
+        char byte;         ///< of its content
         std::int32_t exponent;
         std::string expected;
     } rows[] = {
@@ -414,12 +412,12 @@ TEST_F(DeviceImages, AnEepromIsMadeOrFormattedOnlyWhereNothingIs) {
         {NO_FILE, 0, 10, good},
         {NO_FILE, 0, 8,
          invalid + "an image of 256 bytes has 0 bytes left for the memory eeprom, N are needed"},
-        {NO_FILE, 0, 27, invalid + "2^27 bytes are asked for, an image has at most 2^26"},
+        {NO_FILE, 0, 27, invalid + "2^27 bytes are requested, an image has at most 2^26"},
         {1024, '\xFF', 10, good},
         {1024, '\0', 10, good},
         {1000, '\xFF', 0, good},
         {1000, '\xFF', -1, good},
-        {1000, '\xFF', 10, invalid + "has 1000 bytes, 1024 are asked for"},
+        {1000, '\xFF', 10, invalid + "has 1000 bytes, 1024 are requested"},
         {1024, 'x', 10, invalid + "is neither blank nor a device image"},
         {1024, 'x', 0, invalid + "is neither blank nor a device image"},
     };
@@ -441,12 +439,12 @@ TEST_F(DeviceImages, AnEepromIsMadeOrFormattedOnlyWhereNothingIs) {
     }
     ASSERT_TRUE(facade->SaveToDeviceKesEeprom(mFolder / "second", 10, 0x50));
     EXPECT_FALSE(facade->SaveToDeviceKesEeprom(mFolder / "second", 11, 0x50));
-    EXPECT_EQ(WithoutPath(LastError(), mFolder / "second"), invalid + "has 1024 bytes, 2048 are asked for");
+    EXPECT_EQ(WithoutPath(LastError(), mFolder / "second"), invalid + "has 1024 bytes, 2048 are requested");
     EXPECT_FALSE(facade->SaveToDeviceKesEeprom(mFolder / "second", 10, 0x51));
-    EXPECT_EQ(WithoutPath(LastError(), mFolder / "second"), invalid + "has the I2C mask 80, 81 is asked for");
+    EXPECT_EQ(WithoutPath(LastError(), mFolder / "second"), invalid + "has the I2C mask 80, 81 is requested");
 }
 
-TEST_F(DeviceImages, ThoseOfAnotherKindChipOrSystemAreRefused) {
+TEST_F(DeviceImages, ImagesOfAnotherFamilyChipOrSystemAreRejected) {
     const std::string path = Image(ImageFamily::Kld, 16 * KIB);
     const std::string invalid = "0 invalid operation: ";
     EXPECT_EQ(WithoutPath(Read(ImageFamily::Isp, path), path),
@@ -457,7 +455,7 @@ TEST_F(DeviceImages, ThoseOfAnotherKindChipOrSystemAreRefused) {
     EXPECT_EQ(SavedKld(path, At("eeprom", 1, "max_acl_links=1")), "1/15/1 4101=1");
     const auto other = Blank("ostrell_310_1_7");
     const std::string otherSystem =
-        invalid + "is of the system ostrell_520_2_3, the configuration of ostrell_310_1_7";
+        invalid + "is for system ostrell_520_2_3, the configuration is for ostrell_310_1_7";
     EXPECT_FALSE(Load(*other, ImageFamily::Kld, path));
     EXPECT_EQ(WithoutPath(LastError(), path), otherSystem);
     EXPECT_FALSE(other->SaveToDeviceOstrel(path, true));
@@ -470,12 +468,12 @@ TEST_F(DeviceImages, ThoseOfAnotherKindChipOrSystemAreRefused) {
     EXPECT_EQ(Made(geometry), "made");
     EXPECT_FALSE(Save(*other, ImageFamily::Eeprom, mFolder / "made.img"));
     EXPECT_EQ(WithoutPath(LastError(), mFolder / "made.img"),
-              invalid + "is for the chip 76, and ostrell_310_1_7 has the chip 61");
+              invalid + "is for chip 76, but ostrell_310_1_7 has chip 61");
     EXPECT_EQ(WithoutPath(Read(ImageFamily::Kld, path + "?fast"), path + "?fast"),
-              invalid + "unknown option \"fast\" behind \"?\": device images take none");
+              invalid + "unknown option \"fast\" after \"?\": device images have none");
 }
 
-TEST_F(DeviceImages, AreMadeOnlyOfWhatTheirFamilyHasAndOverNothingElse) {
+TEST_F(DeviceImages, AreCreatedWithMemoriesOfTheirFamilyAndReplaceNothingElse) {
     const std::string invalid = "invalid operation: C: ";
     const struct {
         ImageGeometry geometry;
@@ -487,7 +485,7 @@ TEST_F(DeviceImages, AreMadeOnlyOfWhatTheirFamilyHasAndOverNothingElse) {
          invalid + "an image of 100 bytes has 0 bytes left for the memory otp, N are needed"},
         {{ImageFamily::Eeprom, 0, "", 1U << 27U, 0, {}},
          false,
-         invalid + "an image has at most 67108864 bytes, 134217728 are asked for"},
+         invalid + "an image has at most 67108864 bytes, 134217728 are requested"},
         {{ImageFamily::Isp, 0, "", 4096, 0, {{13, 512}, {14, 512}}},
          false,
          invalid + "the size of the memory dev_cfg is missing"},
@@ -496,12 +494,12 @@ TEST_F(DeviceImages, AreMadeOnlyOfWhatTheirFamilyHasAndOverNothingElse) {
          invalid + "the family isp does not have the memory otp"},
         {{ImageFamily::Isp, 0, "", 4096, 0, {{13, 512}, {13, 512}}},
          false,
-         invalid + "the memory cur_cfg is there twice"},
+         invalid + "the memory cur_cfg is given twice"},
         {{ImageFamily::Isp, 0, "", 4096, 0, {{13, 512}, {14, 512}, {15, 4000}}},
          false,
          invalid + "an image of 4096 bytes has 2576 bytes left for the memory dev_cfg, N are needed"},
         {{ImageFamily::Isp, 0, "", 4096, 0, {{13, 512}, {14, 500}, {15, 512}}}, false, "made"},
-        {{ImageFamily::Kld, 0, "", 4096, 0, {}}, false, invalid + "there is a device image already"},
+        {{ImageFamily::Kld, 0, "", 4096, 0, {}}, false, invalid + "a device image already exists"},
         {{ImageFamily::Kld, 0, "", 4096, 0, {}}, true, "made"},
         {{ImageFamily::Eeprom, 0, std::string(300, 'x'), 8192, 0, {}}, true, "made"},
     };
@@ -511,7 +509,7 @@ TEST_F(DeviceImages, AreMadeOnlyOfWhatTheirFamilyHasAndOverNothingElse) {
     EXPECT_EQ(Made({}),
               invalid + "an image of 0 bytes has 0 bytes left for the memory eeprom, 64 are needed");
     EXPECT_EQ(Made({ImageFamily::Eeprom, 0, "", 4096, 0, {}}),
-              invalid + "there is a file already, which is neither blank nor an image");
+              invalid + "a file already exists that is neither blank nor a device image");
     EXPECT_EQ(VemoKesConfigTools::SystemOfImage(mFolder / "made.img"), std::nullopt);
 }
 

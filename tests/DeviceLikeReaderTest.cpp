@@ -1,5 +1,5 @@
-// Keys that come without a layer and without a metadata record, as a device gives them. A program of its own:
-// its plug-in stands in for the text format.
+// Keys without a layer and without a metadata record, as read from a device. A separate program, since its
+// plug-in replaces the text format.
 
 #include "support/HostSession.h"
 
@@ -14,7 +14,7 @@ namespace {
 constexpr std::int32_t MAX_ACL_LINKS = 0x1005;
 constexpr std::int32_t LARGE = static_cast<std::int32_t>(0x80000001);
 
-TEST(DeviceLikeReader, ItsKeysAreDeviceDefaultsAndGoFirst) {
+TEST(DeviceLikeReader, ItsKeysAreDeviceDefaultsAndTakePrecedence) {
     const KesTest::TempFolder plugins;
     std::filesystem::copy_file(std::string(KES_TEST_PLUGIN_DIR) + "/sqlite.kpm", plugins / "sqlite.kpm");
     std::filesystem::copy_file(std::string(KES_TEST_BINARY_DIR) + "/tests/bare_reader.kpm",

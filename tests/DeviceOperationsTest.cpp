@@ -1,4 +1,4 @@
-// What is asked of the plug-ins of devices, in which order, and what becomes of their answers.
+// Which calls the plug-ins of devices receive, in which order, and how their results are used.
 
 #include "support/Recording.h"
 
@@ -114,7 +114,7 @@ TEST_F(DeviceOperations, SavesTellThePlugInWhatToDo) {
     for (const Row& row : rows) Check(row);
 }
 
-TEST_F(DeviceOperations, AStoreIsMadeWhereItCanBe) {
+TEST_F(DeviceOperations, AStoreIsCreatedWherePossible) {
     const std::string refused = "1 KLD770xDevice NVS location does not support creating store.";
     const std::string unpaired = "1 KLD770xDevice NVS location does not support creating a paired store.";
     const auto made = [](const std::string& connection, const std::string& store) {
@@ -139,7 +139,7 @@ TEST_F(DeviceOperations, AStoreIsMadeWhereItCanBe) {
     for (const Row& row : rows) Check(row);
 }
 
-TEST_F(DeviceOperations, StoresOfTheLastLoadAreShown) {
+TEST_F(DeviceOperations, StoresOfTheLastLoadAreListed) {
     ASSERT_TRUE(mFacade->LoadBlank());
     EXPECT_TRUE(mFacade->GetStores()->empty());
     ASSERT_TRUE(mFacade->LoadFromDeviceOstrel("stores", false));

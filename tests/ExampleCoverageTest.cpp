@@ -1,5 +1,4 @@
-// The examples show the whole format: every kind of value that their metadata has stands in one of their
-// texts.
+// The examples cover the whole format: their texts have every kind of value that their metadata defines.
 
 #include "metadb/MetadataDatabase.h"
 #include "support/Files.h"

@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* LABEL = "ostrell_520_2_3";
 
-TEST(HostString, KeepsNullAndEmptyApartAndMendsWhatIsNotUnicode) {
+TEST(HostString, DistinguishesNullFromEmptyAndReplacesInvalidUnicode) {
     using namespace std::string_literals;
     EXPECT_NE(HostString(), HostString(""));
     EXPECT_TRUE(HostString(static_cast<const char*>(nullptr)).IsNull());
@@ -42,7 +42,7 @@ TEST(HostString, KeepsNullAndEmptyApartAndMendsWhatIsNotUnicode) {
     for (const auto& row : rows) EXPECT_EQ(row.text.ToNarrow(), row.narrow);
 }
 
-TEST(HostMap, WalksInTheOrderOfInsertionAndRefusesASecondKey) {
+TEST(HostMap, IteratesInInsertionOrderAndRejectsADuplicateKey) {
     HostMap<HostString, int> map;
     map.Add("b", 2);
     map.Add("a", 1);
@@ -53,7 +53,7 @@ TEST(HostMap, WalksInTheOrderOfInsertionAndRefusesASecondKey) {
     EXPECT_EQ(map.begin()->first, HostString("b"));
 }
 
-TEST(Records, ShowTheTextNullAsNull) {
+TEST(Records, ReturnTheTextNullAsNull) {
     const auto record = [](const char* name, std::uint32_t indexes) {
         return Metadata(1, 2, name, "", SimpleElementTypes::UInt8, AccessRights::ReadOnly, false, false, 0, 0,
                         "NULL", 0, 1, VemoKesConfigTools::METADATA_TYPE_SIMPLE, "", "", "", "", "", indexes);
@@ -184,7 +184,7 @@ TEST_F(HostApi, AStoredErrorMakesKeyQueriesGiveNull) {
     EXPECT_NE(provider.GetMetadatas(LABEL, "", SUBSYSTEM_TYPE_BT), nullptr);
 }
 
-TEST_F(HostApi, LoadsATextAndSaysWhatIsWrongWithIt) {
+TEST_F(HostApi, LoadsATextAndReportsItsErrors) {
     FrameworkFacade facade(EXAMPLE_DATABASE);
     EXPECT_EQ(facade.OwningChip(), nullptr);
     EXPECT_FALSE(facade.LoadText(mFolder / "any", false));
@@ -220,7 +220,7 @@ TEST_F(HostApi, LoadsATextAndSaysWhatIsWrongWithIt) {
     EXPECT_FALSE(facade.IsMixedSubsystemTypes());
 }
 
-TEST_F(HostApi, SavesATextAndSaysWhyNot) {
+TEST_F(HostApi, SavesATextOrReportsWhyNot) {
     FrameworkFacade facade(EXAMPLE_DATABASE);
     EXPECT_EQ(LastError(), "none") << "all readers and writers are there";
     const std::string path = mFolder / "saved.ktf";

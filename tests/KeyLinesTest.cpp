@@ -1,5 +1,5 @@
-// Lines of key, delimiter and value: how a key is found, what an empty value does, and what a bad line leaves
-// behind. Where nothing else is said, the lines stand behind a keyword line, from line 2 of their text on.
+// Lines of key, delimiter and value: how a key is found, what an empty value does, and what remains of an
+// invalid line. Unless noted otherwise, the lines follow a keyword line and start at line 2 of their text.
 
 #include "support/PlainReading.h"
 
@@ -78,7 +78,7 @@ TEST(KeyLines, RawValuesNeedNoMetadataUnderANumber) {
     });
 }
 
-TEST(KeyLines, ValuesReplaceOneAnotherOrStandSideBySide) {
+TEST(KeyLines, ValuesReplaceOneAnotherOrAreAppended) {
     Check({
         {"u8 = 1\nu16 = 2\nu8 = 3", "1 u8=u8:3; 2 u16=u16:2"},
         {"rf_offset.1 = 1\nrf_offset.2 = 2\nrf_offset.1 = 3", "4662.1 rf_offset=i8:3; 4662.2 rf_offset=i8:2"},
@@ -94,7 +94,7 @@ TEST(KeyLines, ValuesReplaceOneAnotherOrStandSideBySide) {
               "[1/15/1 1 u8=u8:1; 2 u16=u16:2; 1 u8=u8:3; 1 u8=]");
 }
 
-TEST(KeyLines, TextBehindAValueIsReportedAfterTheValueWasTaken) {
+TEST(KeyLines, TextAfterAValueIsReportedAfterTheValueWasTaken) {
     Check({
         {"u8 = 5 6\nu16 = 2",
          "1 u8=u8:5; 2 u16=u16:2 ! 3:1 #4 Unexpected text  unexpected text '6' at end of line"},
@@ -105,13 +105,13 @@ TEST(KeyLines, TextBehindAValueIsReportedAfterTheValueWasTaken) {
     });
 }
 
-TEST(KeyLines, ABadLineCostsThatLineOnly) {
+TEST(KeyLines, AnInvalidLineIsSkippedAlone) {
     Check({
         {"u8 = x y z\nu16 = 1", "2 u16=u16:1 ! 2:6 #32 Number expected: u8"},
         {"words = {1, 2\nu16 = 1", "2 u16=u16:1 ! 3:1 #11 Missing comma: words"},
         {"words = {1, 2\n\nu16 = 1", "2 u16=u16:1 ! 3:1 #11 Missing comma: words"},
         {"blob = \\\n x\nu16 = 1", "2 u16=u16:1 ! 3:3 #19 Missing open bracket: blob"},
-        // What is dropped of a bad line is read through the filters.
+        // The skipped part of an invalid line is still read through the filters.
         {"u8 = x /* \nu8 = 1\n */ y\nu16 = 1", "2 u16=u16:1 ! 2:6 #32 Number expected: u8"},
         {"u8 = x \\\nu8 = 1\nu16 = 1", "2 u16=u16:1 ! 2:6 #32 Number expected: u8"},
         {"u8 = x # /*\nu16 = 1", "2 u16=u16:1 ! 2:6 #32 Number expected: u8"},
@@ -121,7 +121,7 @@ TEST(KeyLines, ABadLineCostsThatLineOnly) {
     });
 }
 
-TEST(KeyLines, APlaceFromOutsideDoesNotServeWithoutOneInTheText) {
+TEST(KeyLines, APlaceInTheContextDoesNotReplaceOneInTheText) {
     const auto outcome = [](const std::string& text) {
         CChipConfig config;
         CKesContext context;
@@ -156,7 +156,7 @@ TEST(KeyLines, ElementsAndValuesKnowTheirRecords) {
     EXPECT_EQ(records, " u8: u8 mode: mode dev_name: none rf_gain: none null: none words: words words");
 }
 
-TEST(KeyLines, RecordsAreThoseOfThePlaceAtHand) {
+TEST(KeyLines, RecordsAreThoseOfTheCurrentPlace) {
     EXPECT_EQ(Outcome(Read("file=bt\nbt_only = 1\nfile=cur\nbt_only.1 = 5")),
               "[1/15/1 4663 bt_only=u8:1] [0/15/1] ! 4:13 #1 Value is not supported: bt_only");
     EXPECT_EQ(Outcome(Read("file=bt\ndiffers = 255\nfile=cur\ndiffers = -1")),
@@ -172,9 +172,9 @@ TEST(KeyLines, ARawValueForgivesTheErrorOfItsLookup) {
     EXPECT_EQ(reading.dump, "[3/15/1 1234=u64:1]");
 }
 
-/// What is read straight from the text has the outcome that its tokens give: random lines of the pieces on
-/// which the two could part.
-TEST(KeyLines, PlainLinesHaveTheOutcomeOfTheirTokens) {
+/// The fast path that reads a line directly gives the same result as reading its tokens. Tried with random
+/// lines of pieces on which the two could differ.
+TEST(KeyLines, PlainLinesGiveTheResultOfTheirTokens) {
     const std::vector<std::string> keys = {
         "u8",           "u16",       "i8",      "i32",      "u64",   "whole", "blob", "dev_name",
         "mode",         "words",     "two",     "modes",    "names", "1",     "0x2",  "0",

@@ -1,4 +1,4 @@
-// The lines that say where the following keys belong, and the place in front of a key.
+// The lines that set the place of the following keys, and places given as a prefix of a key.
 
 #include "kes/configtools/readerwriters/kestext/common/kesparser/CKesParser.h"
 #include "support/TextReading.h"
@@ -131,7 +131,7 @@ TEST(KeywordLines, PrefixNamesAPlaceForOneLine) {
         {place + "audio16 = 1\nu8=1", "[0/15/1 1 u8=u8:1] ! 2:8 #17 Store out of range"},
         {place + "audio-1 = 1", "[0/15/1] ! 2:6 #33 An unsigned number was expected"},
         {place + "gnss.u8 = 1", "[0/15/1] ! 2:6 #32 Number expected: gnss"},
-        // The count of indices belongs to the place of the line before.
+        // The number of indices is that of the previous line's place.
         {place + "bt2.differs.1 = 5\nbt2.differs.1 = 5",
          "[0/15/1] [1/15/2 4664.1 differs=u8:5] ! 3:14 #25 Wrong number of indices: differs requires 0 "
          "indices"},
@@ -139,7 +139,7 @@ TEST(KeywordLines, PrefixNamesAPlaceForOneLine) {
     });
 }
 
-TEST(KeywordLines, StoresComeInTheOrderOfTheirDevicesWithTheNumberOfTheirArrival) {
+TEST(KeywordLines, StoresAreSortedByDeviceAndNumberedByFirstUse) {
     const struct {
         std::string text, stores;
     } rows[] = {
@@ -169,7 +169,7 @@ TEST(KeywordLines, FifteenStoresAreTheLimit) {
     EXPECT_NE(reading.stores.find("1/16#16"), std::string::npos) << "all of them are known nevertheless";
 }
 
-TEST(KeywordLines, AliasesLeadBothWays) {
+TEST(KeywordLines, AliasesWorkInBothDirections) {
     CKesContext context;
     CParseContext pass;
     pass.mpConfigContext = &context;

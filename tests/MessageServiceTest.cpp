@@ -70,7 +70,7 @@ TEST_F(MessageService, ErrorsOfAllHandlersShareOneStore) {
     EXPECT_FALSE(text.ModifyErrorMsg(0, "nothing to modify", CMessageHandler::GROUP_ANY));
 }
 
-TEST_F(MessageService, AnErrorThatIsRewrittenIsReportedAsSuch) {
+TEST_F(MessageService, AModifiedErrorIsReportedAsSuch) {
     struct Watcher final : CMessageHandlerObserver {
         void OnError(std::int16_t number, const std::string& words) override {
             calls += "error " + std::to_string(number) + " " + words + ";";
@@ -87,7 +87,7 @@ TEST_F(MessageService, AnErrorThatIsRewrittenIsReportedAsSuch) {
     EXPECT_EQ(watcher.calls, "error 1 file;modified 0 cannot open: file;");
 }
 
-TEST_F(MessageService, OfVeryManyErrorsTheNewestAreKeptAndTheOthersCounted) {
+TEST_F(MessageService, TheNewestErrorsAreKeptAndTheOthersCounted) {
     for (int i = 1; i <= 2500; ++i) text.SetErrorMsg(0, "error " + std::to_string(i));
     std::uint64_t dropped = 0;
     std::vector<std::string> kept = CTheMsgHnd::KeptErrors(dropped);
@@ -102,7 +102,7 @@ TEST_F(MessageService, OfVeryManyErrorsTheNewestAreKeptAndTheOthersCounted) {
     EXPECT_TRUE(kept.empty() && dropped == 0);
 }
 
-/// Reports from several threads while the observer is made, removed and destroyed again and again.
+/// Reports from several threads while an observer is repeatedly created, removed and destroyed.
 TEST_F(MessageService, NoCallReachesAnObserverThatWasRemoved) {
     struct Fragile final : CMessageHandlerObserver {
         explicit Fragile(std::atomic<int>& late) : mLate(late) { CTheMsgHnd::AddObserver(*this); }
@@ -155,7 +155,7 @@ TEST_F(MessageService, AnObserverMayRemoveItselfFromWithinItsCallOnSeveralThread
     EXPECT_EQ(once.calls, 2);
 }
 
-/// Ends the process with 0 when the service still works in a destructor that runs after all others of its.
+/// Ends the process with 0 if the service still works in a destructor that runs after those of its statics.
 struct LastToGo final : CMessageHandlerObserver {
     ~LastToGo() override {
         CMessageHandler& handler = Handler(CMessageHandler::GROUP_DEFAULT);
@@ -175,7 +175,7 @@ TEST(MessageServiceAtExit, AGlobalObserverStillFindsTheService) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
-            static LastToGo last;  // made before the service is, so that it goes after it
+            static LastToGo last;  // constructed before the service, hence destroyed after it
             CMessageHandler& handler = Handler(CMessageHandler::GROUP_DEFAULT);
             for (int i = 0; i < 2000; ++i) handler.SetErrorMsg(0, "an error with a long text, to be kept");
             CTheMsgHnd::AddObserver(last);
@@ -191,9 +191,9 @@ TEST_F(MessageService, CountsErrorsAcrossClearing) {
     EXPECT_EQ(CTheMsgHnd::ErrorsEver(), before + 1);
 }
 
-TEST_F(MessageService, StatusReportsReachObserversAndAreNoErrors) {
+TEST_F(MessageService, StatusReportsReachObserversAndAreNotErrors) {
     Recorder recorder;
-    CTheMsgHnd::AddObserver(recorder);  // a second time, which must not double the reports
+    CTheMsgHnd::AddObserver(recorder);  // adding it again must not duplicate the reports
     text.NotifyStatus(CMessageHandler::STATUS_LEVEL_INFO, "No configuration data found");
     text.SetErrorMsg(1, "lost");
     EXPECT_EQ(recorder.lines,
@@ -203,7 +203,7 @@ TEST_F(MessageService, StatusReportsReachObserversAndAreNoErrors) {
     EXPECT_FALSE(general.IsErrorSet(CMessageHandler::GROUP_ANY, true));
 }
 
-TEST_F(MessageService, ParagraphStringIsCommonToAllHandlers) {
+TEST_F(MessageService, ParagraphStringIsSharedByAllHandlers) {
     EXPECT_EQ(text.GetParagraphString(), "\n");
     general.SetParagraphString("\r");
     EXPECT_EQ(text.GetParagraphString(), "\r");

@@ -1,4 +1,4 @@
-// The plug-in "sqlite" on files that are damaged, foreign, or made to harm.
+// The plug-in "sqlite" with damaged, foreign and malicious files.
 
 #include "model/IChipInfo.h"
 #include "model/IMetadata.h"
@@ -31,7 +31,7 @@ TEST_F(MetadataProvider, WrongFilesGiveAnErrorThatNamesThem) {
         {"empty.db", "", "not a metadata database"},
         {"foreign.db", changed(68, 'X'), "not a metadata database"},
         {"future.db", changed(63, 1),
-         "its tables have version 1, this library reads version 2; build it anew from its source"},
+         "its tables have version 1, this library reads version 2; rebuild it from its source"},
         {"cut.db", good.substr(0, good.size() / 2), "database disk image is malformed"},
     };
     for (const auto& row : rows) {
@@ -46,7 +46,7 @@ TEST_F(MetadataProvider, WrongFilesGiveAnErrorThatNamesThem) {
     }
 }
 
-TEST_F(MetadataProvider, ChangedContentIsNoticedAndNotHandedOut) {
+TEST_F(MetadataProvider, ChangedContentIsDetectedAndNotReturned) {
     const std::string path = Small();
     ChangeDatabase(path, "UPDATE key SET max = max + 1 WHERE name = 'link'");
     const auto provider = Open(path);
@@ -59,7 +59,7 @@ TEST_F(MetadataProvider, ChangedContentIsNoticedAndNotHandedOut) {
     EXPECT_EQ(CTheMsgHnd::ErrorsEver(), errors) << "the same error is not stored over and over";
 }
 
-TEST_F(MetadataProvider, TypesThatHoldThemselvesAreRefused) {
+TEST_F(MetadataProvider, TypesThatContainThemselvesAreRejected) {
     metadb::FieldData field;
     field.uid = 1;
     field.name = "f";
@@ -75,10 +75,10 @@ TEST_F(MetadataProvider, TypesThatHoldThemselvesAreRefused) {
     CKesContext context = At("s1", SUBSYSTEM_BT);
     EXPECT_TRUE(provider->MetadataList(context, true).empty());
     EXPECT_EQ(LastError(),
-              "0 " + (mFolder / "loop.db") + ": subsystem bt of s1: struct Loop: it holds itself");
+              "0 " + (mFolder / "loop.db") + ": subsystem bt of s1: struct Loop: it contains itself");
 }
 
-TEST_F(MetadataProvider, StructsThatWouldTakeAllMemoryAreRefused) {
+TEST_F(MetadataProvider, StructsThatWouldUseAllMemoryAreRejected) {
     metadb::SystemData system;
     system.label = "s1";
     metadb::SubsystemData& bt = system.subsystems.emplace_back();
@@ -107,11 +107,12 @@ TEST_F(MetadataProvider, StructsThatWouldTakeAllMemoryAreRefused) {
     key.type = "S24";
     WriteDatabase(mFolder / "huge.db", {system});
     EXPECT_FALSE(Open(mFolder / "huge.db")->MetadataByPsid(1, context, true).IsValid());
-    EXPECT_EQ(LastError(), "0 " + (mFolder / "huge.db") +
-                               ": subsystem bt of s1: key huge: its struct S24 holds more than 65536 values");
+    EXPECT_EQ(LastError(),
+              "0 " + (mFolder / "huge.db") +
+                  ": subsystem bt of s1: key huge: its struct S24 contains more than 65536 values");
 }
 
-/// All that a provider tells of the small database.
+/// Everything that a provider returns from the small database.
 std::string Shown(IMetadataProvider& provider) {
     CKesContext none;
     std::string text;
@@ -131,15 +132,14 @@ std::string Shown(IMetadataProvider& provider) {
     return text;
 }
 
-/// Whatever byte of the file is damaged: no crash, and no answer that differs from the good one.
+/// If any byte of the file is damaged: no crash, and no result that differs from the correct one.
 TEST_F(MetadataProvider, AnyDamagedByteGivesTheSameAnswersOrAnError) {
     const std::string good = ReadFile(Small());
     const std::string expected = Shown(*Open(mFolder / "small.db"));
     ASSERT_NE(expected, "");
     std::size_t refused = 0;
     for (std::size_t offset = 0; offset < good.size(); ++offset) {
-        if (good[offset] == 0 || offset % 5 != 0)
-            continue;  // zeros are room that no record uses, for the most part
+        if (good[offset] == 0 || offset % 5 != 0) continue;  // zeros are mostly unused space
         std::string bytes = good;
         bytes[offset] = static_cast<char>(bytes[offset] ^ 0x5A);
         Handler().ClearError(CMessageHandler::GROUP_DEFAULT);
@@ -154,7 +154,7 @@ TEST_F(MetadataProvider, AnyDamagedByteGivesTheSameAnswersOrAnError) {
     EXPECT_GT(refused, 100U);
 }
 
-TEST_F(MetadataProvider, AnyChangedRowIsNoticed) {
+TEST_F(MetadataProvider, AnyChangedRowIsDetected) {
     const struct {
         const char* sql;
         const char* error;
@@ -186,7 +186,7 @@ TEST_F(MetadataProvider, AnyChangedRowIsNoticed) {
     }
 }
 
-TEST_F(MetadataProvider, OtherTablesThanItsOwnAreRefused) {
+TEST_F(MetadataProvider, OtherTablesAreRejected) {
     const char* const rows[] = {
         "CREATE VIEW v AS SELECT 1",
         "CREATE TRIGGER t AFTER INSERT ON system BEGIN SELECT 1; END",
@@ -207,7 +207,7 @@ TEST_F(MetadataProvider, OtherTablesThanItsOwnAreRefused) {
     }
 }
 
-/// A journal or a log that lies beside the file would be rolled back or replayed into the answers.
+/// A journal or log next to the file would be rolled back or replayed, which would change the results.
 TEST_F(MetadataProvider, FilesBesideTheDatabaseChangeNothing) {
     const std::string path = Small();
     const std::string good = Shown(*Open(path));
@@ -268,8 +268,8 @@ TEST_F(MetadataProvider, WhatIsNoFileIsRefusedAtOnce) {
     const std::string pipe = mFolder / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const std::pair<std::string, const char*> rows[] = {
-        {pipe, ": is no regular file"},
-        {"/dev/zero", ": is no regular file"},
+        {pipe, ": is not a regular file"},
+        {"/dev/zero", ": is not a regular file"},
         {mFolder.Path(), ": is a directory"},
         {mFolder / "none", ": cannot be opened: No such file or directory"},
     };

@@ -60,7 +60,7 @@ TEST_F(MetadataProvider, AnswersByNumberByNameAndByUid) {
     EXPECT_EQ(LastError(), "");
 }
 
-TEST_F(MetadataProvider, OfKeysThatShareANumberTheFirstIsMeant) {
+TEST_F(MetadataProvider, OfKeysThatShareANumberTheFirstIsFound) {
     metadb::SystemData system;
     system.label = "s1";
     metadb::SubsystemData& bt = system.subsystems.emplace_back();
@@ -76,16 +76,16 @@ TEST_F(MetadataProvider, OfKeysThatShareANumberTheFirstIsMeant) {
     WriteDatabase(mFolder / "twins.db", {system});
     const auto provider = Open(mFolder / "twins.db");
     CKesContext context = At("s1", SUBSYSTEM_BT);
-    // What was asked before must make no difference.
+    // Earlier queries must make no difference.
     for (const char* before : {"a", "first", "second", "z"}) {
         EXPECT_EQ(provider->MetadataByName(before, context, false).Name(), before);
         EXPECT_EQ(provider->MetadataByPsid(5, context, false).Name(), "first") << "behind " << before;
     }
 }
 
-TEST_F(MetadataProvider, KeysOfASubsystemNeedNotStandSideBySide) {
+TEST_F(MetadataProvider, KeysOfASubsystemNeedNotBeContiguous) {
     const std::string path = Small();
-    // A key of another subsystem comes between the two.
+    // A key of another subsystem is between the two.
     ChangeDatabase(
         path,
         "UPDATE key SET id = 9 WHERE name = 'link';"

@@ -1,5 +1,5 @@
-// The JSON source of metadata: what is refused, where it is pointed at, and that nothing is lost on the way
-// through a database.
+// The JSON source of metadata: what is rejected, with which position, and that a database preserves
+// everything.
 
 #include "metadb/JsonSource.h"
 #include "metadb/MetadataDatabase.h"
@@ -14,7 +14,7 @@ using KesTest::TempFolder;
 
 namespace {
 
-/// A source of one subsystem, whose keys and types stand on lines of their own.
+/// A source with one subsystem, whose keys and types are on separate lines.
 std::string Source(const std::string& keys, const std::string& types = "",
                    const std::string& subsystem = "bt") {
     return "{\"systems\": [{\"label\": \"s1\", \"chip\": {\"name\": \"C\", \"id\": 75}, \"subsystems\": [\n"
@@ -34,7 +34,7 @@ std::vector<std::string> Faults(const std::string& text) {
     return shown;
 }
 
-TEST(MetadataSource, PointsAtWhatIsWrong) {
+TEST(MetadataSource, ReportsFaultsWithTheirPlaces) {
     const std::string good = R"({"psid": 1, "name": "a", "type": "uint8"})";
     const struct {
         std::string source;
@@ -46,7 +46,7 @@ TEST(MetadataSource, PointsAtWhatIsWrong) {
          "2:13: syntax error while parsing value - unexpected ','; expected '[', '{', or a literal"},
         {"[]", "1:1: the source must be an object"},
         {"{}", "1:1: member \"systems\" is missing"},
-        {"{\"systems\": 5}", "1:13: \"systems\" must be a list"},
+        {"{\"systems\": 5}", "1:13: \"systems\" must be an array"},
         {"{\"systems\": [], \"systems\": []}", "1:17: \"systems\" is given twice"},
         {"{\"systems\": [], \"more\": 1}", "1:17: unknown member \"more\", must be one of $schema, systems"},
         {Source(good, "", "radio"),
@@ -56,10 +56,9 @@ TEST(MetadataSource, PointsAtWhatIsWrong) {
         {Source(R"({"name": "a", "type": "uint8"})"), "3:1: member \"psid\" is missing"},
         {Source(R"({"psid": -1, "name": "a", "type": "uint8"})"),
          "3:10: \"psid\" must be between 0 and 4294967295, -1 found"},
-        {Source(R"({"psid": 1.5, "name": "a", "type": "uint8"})"),
-         "3:10: \"psid\" must be a whole number of 64 bits"},
+        {Source(R"({"psid": 1.5, "name": "a", "type": "uint8"})"), "3:10: \"psid\" must be a 64-bit integer"},
         {Source(R"({"psid": 1, "name": "a-b", "type": "uint8"})"),
-         "3:21: \"a-b\" is no name: letters, digits and \"_\", and no digit in front"},
+         "3:21: invalid name \"a-b\", must be letters, digits and \"_\", not starting with a digit"},
         {Source(R"({"psid": 1, "name": "a", "type": "uint8", "lable": "x"})"),
          "3:43: unknown member \"lable\", must be one of uid, name, type, label, description, "
          "description_internal, format, "
@@ -69,11 +68,11 @@ TEST(MetadataSource, PointsAtWhatIsWrong) {
          "\"int8\", \"int16\", "
          "\"int32\", \"int64\", \"integer\", \"octet_string\" or an enum or struct of the subsystem"},
         {Source(R"({"psid": 1, "name": "a", "type": "uint8", "max": 256})"),
-         "3:50: \"max\" lies outside the type uint8"},
+         "3:50: \"max\" is outside the range of type uint8"},
         {Source(R"({"psid": 1, "name": "a", "type": "uint8", "max": 18446744073709551615})"),
-         "3:50: \"max\" must be a whole number of 64 bits"},
+         "3:50: \"max\" must be a 64-bit integer"},
         {Source(R"({"psid": 1, "name": "a", "type": "uint8", "min": 5, "max": 4})"),
-         "3:1: \"min\" 5 is above \"max\" 4"},
+         "3:1: \"min\" 5 is greater than \"max\" 4"},
         {Source(R"({"psid": 1, "name": "a", "type": "uint8", "format": "mac_addr"})"),
          "3:53: \"format\" must be one of \"\", \"signed_decimal\", \"unsigned_decimal\", \"hexadecimal\""},
         {Source(R"({"psid": 1, "name": "a", "type": "uint8", "array": {"min": 1}})"),
@@ -86,34 +85,35 @@ TEST(MetadataSource, PointsAtWhatIsWrong) {
                 ",\n"
                 R"({"psid": 2, "uid": 3, "name": "b", "type": "uint8"})"),
          "4:20: another record has the uid 3"},
-        {Source(good, "\n\"enums\": {\"E\": {}},"), "3:16: an enumeration needs a value"},
+        {Source(good, "\n\"enums\": {\"E\": {}},"), "3:16: an enumeration must have a value"},
         {Source(good, "\n\"enums\": {\"E\": {\"on\": 1, \"ON\": 2}},"),
-         "3:26: \"ON\" differs from another enumerator in case only"},
-        {Source(good, "\n\"enums\": {\"E\": {\"1st\": 1}},"), "3:17: \"1st\" is no name of an enumerator"},
+         "3:26: \"ON\" differs from another enumerator only in case"},
+        {Source(good, "\n\"enums\": {\"E\": {\"1st\": 1}},"), "3:17: invalid enumerator name \"1st\""},
         {Source(good, "\n\"structs\": {\"uint8\": [{\"name\": \"f\", \"type\": \"int8\"}]},"),
-         "3:13: type \"uint8\" is there already"},
+         "3:13: type \"uint8\" already exists"},
         {Source(good, "\n\"structs\": {\"S\": [{\"name\": \"f\", \"type\": \"integer\"}]},"),
-         "3:19: a field of the type \"integer\" needs a \"width\""},
+         "3:19: a field of type \"integer\" must have a \"width\""},
         {Source(good, "\n\"structs\": {\"S\": [{\"name\": \"f\", \"type\": \"S\"}]},"),
-         "3:13: struct \"S\": it holds itself"},
+         "3:13: struct \"S\": it contains itself"},
         {Source(good,
                 "\n\"structs\": {\"S\": [{\"name\": \"f\", \"type\": \"T\"}],\n\"T\": [{\"name\": \"f\", "
                 "\"type\": \"S\"}]},"),
-         "3:13: struct \"S\": it holds itself"},
+         "3:13: struct \"S\": it contains itself"},
         {Source(R"({"psid": 1, "name": "a", "type": "uint8", "default": "1 # x"})"),
          "3:54: a default value must be one line without comments"},
         {Source(R"({"psid": 1, "name": "a", "type": "uint8", "default": "1\\"})"),
          "3:54: a default value must be one line without comments"},
         {Source(R"({"psid": 0, "name": "a", "type": "uint8", "default": "1"})"),
-         "3:54: a key without a number has no default"},
+         "3:54: a key without a number cannot have a default"},
         {Source(R"({"psid": 1, "name": "a", "type": "uint8", "defaults": {"1": "1"}})"),
-         "3:55: a key without indexes has one \"default\""},
+         "3:55: a key without indexes takes \"default\""},
         {Source(
              R"({"psid": 1, "name": "a", "type": "uint8", "indexes": [{"name": "i"}], "defaults": {"1.2": "1"}})"),
-         "3:84: \"1.2\" is no list of 1 indexes"},
+         "3:84: \"1.2\" is not a list of 1 indexes"},
         {Source(R"({"psid": 1, "name": "a", "type": "uint8", "default": "1"})", "", "gnss"),
-         "3:54: the text format has no subsystem gnss, so its keys have no default"},
-        {Source(R"({"psid": 1, "name": "a\u0000", "type": "uint8"})"), "3:21: \"name\" holds a NUL"},
+         "3:54: the text format has no subsystem gnss, so its keys cannot have defaults"},
+        {Source(R"({"psid": 1, "name": "a\u0000", "type": "uint8"})"),
+         "3:21: \"name\" contains a NUL character"},
     };
     for (const auto& row : rows) {
         const std::vector<std::string> faults = Faults(row.source);
@@ -132,8 +132,8 @@ TEST(MetadataSource, FindsAllFaultsOfASourceAtOnce) {
         4U);
 }
 
-TEST(MetadataSource, TheStructOfAKeyMayHoldManyValuesButNotAnyNumber) {
-    // Each struct holds twice what the one before it holds: 2 to the power of 16 in the last.
+TEST(MetadataSource, TheStructOfAKeyHasALimitedNumberOfValues) {
+    // Each struct contains twice as many values as the previous one: 2^16 in the last.
     std::string structs = R"("structs": {"S0": [{"name": "a", "type": "uint8"}])";
     for (int i = 1; i <= 16; ++i) {
         const std::string field = R"("type": "S)" + std::to_string(i - 1) + "\"}";
@@ -144,10 +144,10 @@ TEST(MetadataSource, TheStructOfAKeyMayHoldManyValuesButNotAnyNumber) {
     const std::string most = R"({"psid": 1, "name": "a", "type": "S16"})";
     EXPECT_TRUE(Faults(Source(most, structs)).empty()) << "More is used by no key";
     EXPECT_EQ(Faults(Source(most + ",\n" + R"({"psid": 2, "name": "b", "type": "More"})", structs)),
-              std::vector<std::string>{"4:34: its struct More holds more than 65536 values"});
+              std::vector<std::string>{"4:34: its struct More contains more than 65536 values"});
 }
 
-TEST(MetadataSource, StructsMayBeDeepButNotWithoutEnd) {
+TEST(MetadataSource, StructsHaveALimitedDepth) {
     const auto nested = [](std::size_t depth) {
         std::string structs = "\"structs\": {";
         for (std::size_t i = 1; i <= depth; ++i) {
@@ -159,12 +159,12 @@ TEST(MetadataSource, StructsMayBeDeepButNotWithoutEnd) {
     };
     EXPECT_TRUE(Faults(nested(MAXIMUM_STRUCT_DEPTH)).empty());
     ASSERT_EQ(Faults(nested(MAXIMUM_STRUCT_DEPTH + 1)).size(), 1U);
-    EXPECT_NE(Faults(nested(100000)).front().find("nested more than 100 deep"), std::string::npos);
-    EXPECT_NE(Faults("{\"systems\": " + std::string(100000, '[')).front().find("nested too deep"),
+    EXPECT_NE(Faults(nested(100000)).front().find("nested more than 100 levels deep"), std::string::npos);
+    EXPECT_NE(Faults("{\"systems\": " + std::string(100000, '[')).front().find("nested too deeply"),
               std::string::npos);
 }
 
-TEST(MetadataSource, FillsInWhatTheSourceLeavesOut) {
+TEST(MetadataSource, FillsInOmittedMembers) {
     std::vector<SystemData> systems;
     std::vector<SourceFault> faults;
     ReadJsonSource(

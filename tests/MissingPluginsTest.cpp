@@ -1,5 +1,4 @@
-// A host whose plug-in folder lacks what it needs. A program of its own: what a process has loaded stays
-// loaded.
+// A host whose plug-in folder lacks plug-ins. A separate program: plug-ins stay loaded in a process.
 
 #include "support/HostSession.h"
 
@@ -15,7 +14,7 @@ using KesTest::TempFolder;
 
 namespace {
 
-/// Every operation that wants a plug-in of chunk files or devices names it, also where no target is given.
+/// Every operation that needs a plug-in for chunk files or devices names it, even if no target is given.
 void ExpectBinaryAndDevicePluginsMissing(FrameworkFacade& facade, const std::string& loadBinary) {
     const std::string packint = "1 Packint readerwriter plugin not found.";
     const std::string ostrel = "1 KLD770xDevice readerwriter plugin not found.";
@@ -44,7 +43,7 @@ void ExpectBinaryAndDevicePluginsMissing(FrameworkFacade& facade, const std::str
     }
 }
 
-TEST(MissingPlugins, HostComesUpAndIsToldWhatIsMissing) {
+TEST(MissingPlugins, HostStartsAndLearnsWhatIsMissing) {
     const TempFolder folder;
     Framework::Init(folder.Path());
     EXPECT_EQ(LastError(), "none") << "a folder without plug-ins is no failure yet";

@@ -1,4 +1,4 @@
-// Contexts, payloads, elements, and a configuration as the observer of readers and the source of writers.
+// Contexts, payloads, elements, and configurations as observers of readers and sources of writers.
 
 #include "messages/CTheMsgHnd.h"
 #include "model/CConfigTransaction.h"
@@ -29,7 +29,7 @@ CElement* NewElement(std::uint32_t psid, std::uint8_t value, const std::vector<s
     return new CIndexedElement(psid, "", indices, {new CUint8Payload(value)}, false);
 }
 
-/// A reader that is driven by hand. It has stores if it is told so.
+/// A reader whose calls the test makes. It has stores on request.
 struct FakeReader : IConfigReader, IStoreManager {
     ~FakeReader() override { ClearStoreList(stores); }
     void SetObserver(IConfigReaderObserver* /*observer*/) override {}
@@ -39,7 +39,7 @@ struct FakeReader : IConfigReader, IStoreManager {
     void CreateStore(CStoreInfo& /*store*/, IConfigContext& /*context*/) override {}
     void RefreshStoreInfo(CStoreInfo& /*store*/, IConfigContext& /*context*/) override {}
     const std::list<CStoreInfo*>& GetStoresInfo(IConfigContext& /*context*/) override { return stores; }
-    /// What a reader does at one key.
+    /// Makes the calls of a reader for one key.
     void Find(CChipConfig& config, CKesContext context, CElement* element) {
         config.OnSubsystemFound(*this, context);
         elements->OnElementFound(element, context);
@@ -185,7 +185,7 @@ TEST(Elements, CompareByKeyAndPayloads) {
     EXPECT_TRUE(plain->HasChanged() && plain->Payloads().empty() && *plain != *again);
 }
 
-TEST(Elements, KeyStringsReadBack) {
+TEST(Elements, KeyStringsCanBeParsedAgain) {
     const struct {
         std::string text;
         bool good;
@@ -208,7 +208,7 @@ TEST(Elements, KeyStringsReadBack) {
     EXPECT_EQ(MakeKeyString(psid, indices), "2147483648.4294967295");
 }
 
-TEST(ChipConfig, OnePlaceForEachPlaceInTheOrderOfArrival) {
+TEST(ChipConfig, PlacesAreInTheOrderOfFirstUse) {
     FakeReader reader;
     CChipConfig config;
     CKesContext context = PlaceContext(3, 15, 2);
@@ -221,7 +221,7 @@ TEST(ChipConfig, OnePlaceForEachPlaceInTheOrderOfArrival) {
     EXPECT_EQ(reader.elements, first);
     context.SetLayerNumber(0);
     reader.Find(config, context, NewElement(5, 3));
-    context.SetTag(STR_DEVICE, 1);  // readers go on with the context; what a place keeps is a copy
+    context.SetTag(STR_DEVICE, 1);  // readers reuse the context; a place must keep a copy
     EXPECT_EQ(Dump(config), "[3/15/2] [1/15/2 5=u8:1] [3/15/1 5=u8:2] [3/15/2@0 5=u8:3]");
     EXPECT_TRUE(config.IsHeterogeneous());
     config.PrepareForChip(70);
@@ -260,7 +260,7 @@ TEST(ChipConfig, ElementsOfOneKeyAreReplacedAppendedAndRemoved) {
     EXPECT_EQ(DumpElements(place), "5=u8:6");
 }
 
-/// A default in layer 0, a value without a layer, one in layer 2, and a key that has a default only.
+/// A default in layer 0, a value without a layer, one in layer 2, and a key that only has a default.
 void FillLayers(FakeReader& reader, CChipConfig& config) {
     CKesContext context = PlaceContext(3, 15, 1);
     reader.Find(config, context, NewElement(5, 100));
@@ -272,9 +272,9 @@ void FillLayers(FakeReader& reader, CChipConfig& config) {
     reader.Find(config, context, NewElement(8, 20));
 }
 
-/// Sets, appends and removals in any order leave what plain lists of values leave: few keys, so that they
-/// meet, and many, so that the table grows and closes up its gaps.
-TEST(ChipConfig, KeysAreThoseThatCameAndDidNotGo) {
+/// Random sets, appends and removals give the same result as plain lists of values. Tried with few keys, so
+/// that operations hit the same ones, and with many, so that the table grows and closes its gaps.
+TEST(ChipConfig, KeysAreThoseAddedAndNotRemoved) {
     for (const std::uint32_t range : {5U, 3000U}) {
         CSubsystemConfig place(PlaceContext(SUBSYSTEM_BT, 15, 1));
         std::map<std::pair<std::uint32_t, std::vector<std::uint32_t>>, std::vector<int>> expected;
@@ -312,8 +312,8 @@ TEST(ChipConfig, KeysAreThoseThatCameAndDidNotGo) {
     }
 }
 
-/// Whatever is done while a transaction lives: without a commit all is as before, and goes on to work.
-TEST(ChipConfig, ATransactionThatIsNotKeptLeavesNoTrace) {
+/// Whatever is done during a transaction: without a commit the configuration is as before and still works.
+TEST(ChipConfig, AnUncommittedTransactionLeavesNoTrace) {
     FakeReader reader;
     CChipConfig config;
     std::mt19937 random(1);
@@ -360,7 +360,7 @@ TEST(ChipConfig, ATransactionThatIsNotKeptLeavesNoTrace) {
     }
 }
 
-TEST(ChipConfig, ATransactionThatIsKeptBringsNoPlaceWithoutKeys) {
+TEST(ChipConfig, ACommittedTransactionAddsNoPlaceWithoutKeys) {
     FakeReader reader;
     CChipConfig config;
     CKesContext empty = PlaceContext(2, 15, 4);
@@ -380,7 +380,7 @@ TEST(ChipConfig, ATransactionThatIsKeptBringsNoPlaceWithoutKeys) {
     EXPECT_EQ(Dump(config), "[2/15/4] [1/15/2 5=u8:1] [1/15/3 5=u8:1]");
 }
 
-TEST(ChipConfig, LayersAnswerToTheQuestionsMeantForThem) {
+TEST(ChipConfig, LayersMatchTheQueriesForThem) {
     FakeReader reader;
     CChipConfig config;
     FillLayers(reader, config);
@@ -429,7 +429,7 @@ TEST(ChipConfig, LayersAnswerToTheQuestionsMeantForThem) {
     EXPECT_FALSE(config.HasElements(6, SUBSYSTEM_AUDIO, 1) || config.HasElements(5, SUBSYSTEM_BT, 1));
 }
 
-TEST(ChipConfig, QuestionsNarrowToSubsystemDeviceAndStore) {
+TEST(ChipConfig, QueriesSelectSubsystemDeviceAndStore) {
     FakeReader reader;
     CChipConfig config;
     reader.Find(config, PlaceContext(3, 15, 1), NewElement(5, 1));
@@ -472,7 +472,7 @@ TEST(ChipConfig, StoresAreThoseOfTheLastReadAndThoseKnownBefore) {
     EXPECT_EQ(read({{EEPROM, 1}, {OTP, 1}}), "15/1#1 1/1#2") << "the reader's own order";
 }
 
-/// Writes down the calls of a walk.
+/// Records the calls of a traversal.
 struct WriteRecorder final : IConfigWriter {
     void SetMetadataProvider(IMetadataProvider* /*provider*/) override {}
     void Begin(IConfigContext& /*context*/) override { calls += "begin"; }

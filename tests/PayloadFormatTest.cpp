@@ -10,7 +10,7 @@ namespace {
 
 using namespace KesTest;
 
-/// The record of a key or field, whatever its place in the provider.
+/// The record of a key or field of the provider.
 const IMetadata* RecordOf(const char* name);
 
 MemoryProvider& Forms() {
@@ -64,7 +64,7 @@ const IMetadata* RecordOf(const char* name) {
     return &record;
 }
 
-/// The line as it is read and written again, without its line end.
+/// The line, read and written again, without its line end.
 std::string Rewritten(const std::string& line, const CKesContext& context) {
     CChipConfig config;
     CKesContext reading = OverwriteContext();
@@ -79,7 +79,7 @@ std::string Rewritten(const std::string& line, const CKesContext& context) {
 struct Row {
     std::string line;
     std::string full;
-    std::string simple = {};  ///< when it differs
+    std::string simple = {};  ///< if different
 };
 
 void Check(const std::vector<Row>& rows) {
@@ -89,7 +89,7 @@ void Check(const std::vector<Row>& rows) {
     }
 }
 
-TEST(PayloadFormat, SingleValuesAndArraysStandOnOneLine) {
+TEST(PayloadFormat, SingleValuesAndArraysAreWrittenOnOneLine) {
     Check({
         {"rf_gain = 5", "rf_gain = 0x05"},
         {"rf_gain = 0", "rf_gain = 0x00"},
@@ -194,7 +194,7 @@ TEST(PayloadFormat, StructsSpreadOverLinesInFullForm) {
     });
 }
 
-/// A struct, and what stands in its braces in simple form.
+/// A struct, and the content of its braces in simple form.
 TEST(PayloadFormat, FieldsOfOneNameShareTheirBraces) {
     const IMetadata* slots = nullptr;
     const IMetadata* more = nullptr;
@@ -263,7 +263,7 @@ void StreamsAsItAppends(PayloadTypeEnum type) {
              {T{0}, T{5}, T{100}, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()}) {
             std::ostringstream stream;
             stream << "x";
-            // A stream shows small integers as characters unless they are widened.
+            // A stream writes small integers as characters unless they are widened.
             CKesFormat(format, type)(stream)
                 << static_cast<std::conditional_t<sizeof(T) == 1, std::int16_t, T>>(value);
             std::string text = "x";

@@ -1,4 +1,4 @@
-// What the factories make of a plug-in folder, good or hostile.
+// How the factories handle plug-in folders, valid and hostile.
 
 #include "messages/CTheMsgHnd.h"
 #include "model/CMetadataProviderFactory.h"
@@ -43,7 +43,7 @@ void Copy(const TempFolder& folder, const std::string& module, const std::string
     std::filesystem::copy_file(std::string(KES_TEST_BINARY_DIR) + "/tests/" + module, folder / name);
 }
 
-TEST(PluginFolder, LeavesOutWhatIsNoPluginAndSaysWhy) {
+TEST(PluginFolder, SkipsFilesThatAreNotPluginsAndReportsWhy) {
     const TempFolder folder;
     folder.Write("text.kpm", "not a module");
     folder.Write("empty.kpm", "");
@@ -69,9 +69,9 @@ TEST(PluginFolder, LeavesOutWhatIsNoPluginAndSaysWhy) {
     EXPECT_TRUE(trace.Tells("nowhere", "No such file or directory"));
 }
 
-/// A module whose end is missing maps well, and then its first touch raises a signal. Debug information,
-/// which may take half of it, is not mapped.
-TEST(PluginFolder, LeavesOutAModuleThatIsCut) {
+/// A truncated module can be mapped, but its first access raises a signal. Debug information, which may be
+/// half of it, is not mapped.
+TEST(PluginFolder, SkipsATruncatedModule) {
     const std::string whole = KesTest::ReadFile(std::string(KES_TEST_PLUGIN_DIR) + "/sqlite.kpm");
     const TempFolder folder;
     for (const std::size_t percent : {1U, 10U, 25U}) {
@@ -84,7 +84,7 @@ TEST(PluginFolder, LeavesOutAModuleThatIsCut) {
     }
 }
 
-TEST(PluginFolder, OfTwoOfOneNameTheFirstStays) {
+TEST(PluginFolder, OfTwoWithOneNameTheFirstIsKept) {
     const TempFolder folder;
     Copy(folder, "hostile_creator_throws.kpm", "a.kpm");
     Copy(folder, "hostile_second_of_its_name.kpm", "b.kpm");

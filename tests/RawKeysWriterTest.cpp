@@ -1,4 +1,4 @@
-// Values that only the raw form can carry come out raw, so that a saved text reads back.
+// Values that only the raw form can express are written raw, so that a saved text can be read again.
 
 #include "model/CRawKeysWriter.h"
 #include "support/TextWriting.h"
@@ -18,7 +18,7 @@ std::string Saved(CChipConfig& config) {
     return stream.str();
 }
 
-TEST(RawKeysWriter, RawValuesComeBackInTheFormThatTheirKeyTakes) {
+TEST(RawKeysWriter, RawValuesAreWrittenInTheFormOfTheirKey) {
     const struct {
         std::string given;
         std::string written;  ///< the line of the key in the saved text
@@ -73,7 +73,7 @@ TEST(RawKeysWriter, NegativeNumbersOfEightBitsHaveTheDigitsOfEightBits) {
         << stream.str();
 }
 
-TEST(RawKeysWriter, WhatHasNoFormThatReadsBackIsNamed) {
+TEST(RawKeysWriter, AValueThatCannotBeReadAgainIsNamed) {
     const auto composite = [] {
         auto* value = new CComplexPayload(PAYLOAD_TYPE_STRUCT);
         value->AddField(new CUint8Payload(1));

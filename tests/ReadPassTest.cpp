@@ -1,4 +1,4 @@
-// The driver of a read: what it reports and how, what it calls, and which texts it takes.
+// A whole read: its reports, the calls it makes, and the texts it accepts.
 
 #include "kes/configtools/readerwriters/kestext/common/kesparser/CKesParser.h"
 #include "support/TextReading.h"
@@ -13,7 +13,7 @@ namespace {
 
 using namespace KesTest;
 
-TEST(ReadPass, MessagesSumUpAllErrors) {
+TEST(ReadPass, MessagesListAllErrors) {
     const std::string one = "file=bt\nu8 = 5 6\n";
     const std::string two = one + "rf_gian = 1\n";
     const std::string line3 = "line 3, column 1: Unexpected text  unexpected text '6' at end of line";
@@ -29,7 +29,7 @@ TEST(ReadPass, MessagesSumUpAllErrors) {
     EXPECT_EQ(slashed, "0  / " + line3 + " /  / 1 error found");
 }
 
-TEST(ReadPass, ReportsProgressNowAndThen) {
+TEST(ReadPass, ReportsProgressRegularly) {
     struct Watcher final : CMessageHandlerObserver {
         Watcher() { CTheMsgHnd::AddObserver(*this); }
         ~Watcher() override { CTheMsgHnd::RemoveObserver(*this); }
@@ -47,7 +47,7 @@ TEST(ReadPass, ReportsProgressNowAndThen) {
     }
 }
 
-TEST(ReadPass, NoKeyLineIsAReportAndNoError) {
+TEST(ReadPass, ATextWithoutKeysIsReportedButNotAnError) {
     const struct {
         std::string text;
         bool good;
@@ -70,7 +70,7 @@ TEST(ReadPass, NoKeyLineIsAReportAndNoError) {
     }
 }
 
-/// Writes down the calls of a read, and the place at each.
+/// Records the calls of a read, with the place of each.
 struct CallRecorder final : IConfigReaderObserver {
     void OnReadStarted(IConfigReader& /*reader*/, IConfigContext& context) override {
         Note("start", context);
@@ -215,7 +215,7 @@ file=bt3
     }
 }
 
-TEST(ReadPass, EveryCodeHasItsWords) {
+TEST(ReadPass, EveryCodeHasItsText) {
     std::set<std::string> texts;
     for (std::int32_t code = PE_VALUE_NOT_SUPPORTED; code < PE_END_OF_DATA; ++code) {
         const std::string text(ParserErrorText(code));

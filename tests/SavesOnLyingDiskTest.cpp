@@ -1,9 +1,9 @@
-// Every save of the library on a disk that loses power, forgets what was not synced, fails and fills up: what
-// is found afterwards is the whole old content or the whole new one. Texts, databases and JSON files are all
-// replaced by one operation, tried here with texts.
+// Every save of the library on a disk that loses power, loses what was not synced, fails and fills up: it
+// always leaves the complete old content or the complete new one. Texts, databases and JSON files are all
+// replaced by one operation, tested here with texts.
 //
-// KES_TEST_SEED chooses what is left to chance. KES_TEST_SECONDS says how long random saves are tried, 2 by
-// default. With KES_TEST_WHOLE each second cut is tried after each first one, not only some.
+// KES_TEST_SEED seeds the random choices. KES_TEST_SECONDS sets how long random saves are tried, 2 by
+// default. With KES_TEST_WHOLE every pair of two successive power cuts is tried instead of a sample.
 
 #include "files/Files.h"
 #include "files/ReplaceFile.h"
@@ -24,7 +24,7 @@ using namespace KesTest;
 
 namespace {
 
-/// The contents of a save, as text: before it, after it, and after the next one.
+/// The contents, as text, before a save, after it, and after the next one.
 struct Texts {
     std::string before;
     std::string after;
@@ -38,7 +38,7 @@ const Texts TEXTS = {
     "subsystem=app\ndevice=eeprom\nstore=3\nled_brightness = 50\n",
     "subsystem=bt\ndevice=eeprom\nstore=1\nmax_acl_links = 5\n"};
 
-/// In one-time-programmable memory each content has all bits of the one before.
+/// For one-time-programmable memory each content has all bits of the previous one.
 const Texts OTP_TEXTS = {"subsystem=bt\ndevice=otp\nstore=1\nmax_acl_links = 1\n",
                          "subsystem=bt\ndevice=otp\nstore=1\nmax_acl_links = 3\n",
                          "subsystem=bt\ndevice=otp\nstore=1\nmax_acl_links = 7\n"};
@@ -46,12 +46,12 @@ const Texts OTP_TEXTS = {"subsystem=bt\ndevice=otp\nstore=1\nmax_acl_links = 1\n
 /// One kind of save.
 struct SaveCase {
     std::string name;
-    std::function<void(LyingDisk&, const std::string&)> prepare;  ///< puts a content on the disk
-    std::function<bool(const std::string&)> save;                 ///< saves a content over it
-    std::function<std::string()> read;                            ///< what is there
-    std::function<bool(const LyingDisk::Tree&)> isClean;          ///< no file is left that is not ours
+    std::function<void(LyingDisk&, const std::string&)> prepare;  ///< puts the first content on the disk
+    std::function<bool(const std::string&)> save;                 ///< saves another content over it
+    std::function<std::string()> read;                            ///< the content found
+    std::function<bool(const LyingDisk::Tree&)> isClean;          ///< whether no temporary file is left
     Texts texts = TEXTS;
-    /// The memory may be used up by what cut saves have left there.
+    /// Interrupted saves may use up the memory.
     bool mayLackRoom = false;
 };
 
@@ -91,7 +91,7 @@ protected:
                 [=](const LyingDisk::Tree& tree) { return tree.size() <= 2; }};
     }
 
-    /// The keys of a dump in their order: that of places in a folder is the file system's.
+    /// The keys of a dump, sorted: places in a folder are in file system order.
     static std::string Sorted(const std::string& dump) {
         std::set<std::string> keys;
         std::istringstream in(dump + "; ");
@@ -141,7 +141,7 @@ protected:
                 [](const LyingDisk::Tree& tree) { return tree.size() == 2; }};
     }
 
-    /// Makes the cells of one-time-programmable memory such cells, where the image has any.
+    /// Marks the one-time-programmable memory of the image, if it has any, as such on the disk.
     static void OnlySetOtp(LyingDisk& disk, const std::string& path) {
         const std::string& bytes = disk.Content(path);
         const VemoKesConfigTools::ImageHeader header = VemoKesConfigTools::DecodeHeader(bytes, bytes.size());
@@ -167,7 +167,7 @@ protected:
                 Otp()};
     }
 
-    /// What reading gives for a content that was saved undisturbed.
+    /// The result of reading a content that was saved without faults.
     static std::string Undisturbed(const SaveCase& save, const std::string& text) {
         LyingDisk disk;
         save.prepare(disk, save.texts.before);
@@ -176,7 +176,7 @@ protected:
         return save.read();
     }
 
-    /// What reading gives for the three contents.
+    /// The results of reading the three contents.
     static Texts Readings(const SaveCase& save) {
         LyingDisk disk;
         save.prepare(disk, save.texts.before);
@@ -184,8 +184,8 @@ protected:
         return {save.read(), Undisturbed(save, save.texts.after), Undisturbed(save, save.texts.other)};
     }
 
-    /// Holds for the disk after anything has happened to a save: old or new, twice the same, and the next
-    /// save works and leaves nothing behind.
+    /// Checks the disk after a fault during a save: reading gives old or new content, and the same when
+    /// repeated, and the next save succeeds and leaves no temporary files.
     static void ExpectOldOrNew(const SaveCase& save, LyingDisk& disk, const Texts& readings, bool mustBeNew) {
         const files::DiskInUse use(disk);
         const std::string found = save.read();
@@ -205,7 +205,7 @@ protected:
         EXPECT_TRUE(save.isClean(disk.Files())) << save.name << ": " << Names(disk);
     }
 
-    /// How many calls of the disk an undisturbed save takes.
+    /// The number of calls of the disk in a save without faults.
     static std::size_t CallsOf(const SaveCase& save) {
         LyingDisk disk;
         save.prepare(disk, save.texts.before);
@@ -215,7 +215,7 @@ protected:
         return disk.Calls();
     }
 
-    /// Cuts the save at each moment; visits each of `share` states on average.
+    /// Cuts the power at each moment of the save; checks one of `share` resulting states on average.
     void CutEverywhere(const SaveCase& save, const Texts& readings, unsigned share) {
         LyingDisk disk;
         save.prepare(disk, save.texts.before);
@@ -232,7 +232,8 @@ protected:
         EXPECT_GT(states, 3U) << save.name;
     }
 
-    /// Cuts the save, and then the next one; visits each of `first` and `second` states on average.
+    /// Cuts the power in the save and then in the next one; checks one of `first` and `second` states on
+    /// average.
     void CutTwice(const SaveCase& save, const Texts& readings, unsigned first, unsigned second) {
         LyingDisk disk;
         save.prepare(disk, save.texts.before);
@@ -271,7 +272,7 @@ protected:
         ExpectOldOrNew(save, disk, readings, saved);
     }
 
-    /// A content of some keys.
+    /// A random content with some keys.
     std::string RandomText() {
         const auto number = [&](unsigned below) { return static_cast<int>(mRandom() % below); };
         const std::string place = "\ndevice=eeprom\nstore=" + std::to_string(1 + number(3)) + "\n";
@@ -296,17 +297,17 @@ protected:
     std::unique_ptr<host::FrameworkFacade> mpReader;
 };
 
-TEST_F(SavesOnLyingDisk, AreWholeAfterACutAnywhere) {
+TEST_F(SavesOnLyingDisk, AreCompleteAfterAPowerCutAnywhere) {
     for (const SaveCase& save : AllSaves()) CutEverywhere(save, Readings(save), 1);
 }
 
-TEST_F(SavesOnLyingDisk, AreWholeAfterASecondCutWhileTheFirstIsPutRight) {
+TEST_F(SavesOnLyingDisk, AreCompleteAfterASecondPowerCutDuringRecovery) {
     const bool whole = Setting("KES_TEST_WHOLE", 0) != 0;
     for (const SaveCase& save : {Chunks(), Device(ImageFamily::Eeprom, "eeprom", 1024)})
         CutTwice(save, Readings(save), whole ? 1 : 7, whole ? 1 : 5);
 }
 
-TEST_F(SavesOnLyingDisk, AreWholeWhenAnyCallFails) {
+TEST_F(SavesOnLyingDisk, AreCompleteWhenAnyCallFails) {
     for (const SaveCase& save : AllSaves()) {
         const Texts readings = Readings(save);
         const std::size_t calls = CallsOf(save);
@@ -318,7 +319,7 @@ TEST_F(SavesOnLyingDisk, AreWholeWhenAnyCallFails) {
     }
 }
 
-TEST_F(SavesOnLyingDisk, OfAnyContentAreWhole) {
+TEST_F(SavesOnLyingDisk, AreCompleteForAnyContent) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(Setting("KES_TEST_SECONDS", 2));
     std::size_t rounds = 0;
     while (!HasFailure() && (rounds == 0 || std::chrono::steady_clock::now() < end)) {
@@ -342,7 +343,7 @@ TEST_F(SavesOnLyingDisk, OfAnyContentAreWhole) {
     RecordProperty("rounds", static_cast<int>(rounds));
 }
 
-TEST_F(SavesOnLyingDisk, GetByWithShortAndInterruptedCalls) {
+TEST_F(SavesOnLyingDisk, HandleShortAndInterruptedCalls) {
     for (const SaveCase& save : AllSaves()) {
         LyingDisk disk;
         save.prepare(disk, save.texts.before);
@@ -374,7 +375,7 @@ TEST_F(SavesOnLyingDisk, LeaveTheOldContentOnAFullDisk) {
     }
 }
 
-TEST_F(SavesOnLyingDisk, AnImageThatIsMadeAnewIsTheOldOneOrTheNewOne) {
+TEST_F(SavesOnLyingDisk, ARecreatedImageIsTheOldOneOrTheNewOne) {
     const std::string path = "/d/device.img";
     const auto make = [&](std::uint16_t chip) {
         ImageGeometry geometry;
@@ -400,7 +401,7 @@ TEST_F(SavesOnLyingDisk, AnImageThatIsMadeAnewIsTheOldOneOrTheNewOne) {
     EXPECT_EQ(seen, (std::set<int>{1, 2}));
 }
 
-TEST_F(SavesOnLyingDisk, AStoreIsThereWholeOrNotAtAll) {
+TEST_F(SavesOnLyingDisk, ANewStoreIsCompleteOrAbsent) {
     const SaveCase image = Device(ImageFamily::Kld, "kld", 4096);
     const auto make = [](std::int32_t store) {
         return Blank()->CreateKeyStore("/d/device.img", host::DEVICE_TYPE_SMEM, store, 64, 0, false);
@@ -429,7 +430,7 @@ TEST_F(SavesOnLyingDisk, AStoreIsThereWholeOrNotAtAll) {
     EXPECT_EQ(seen, (std::set<std::size_t>{0, 1}));
 }
 
-TEST_F(SavesOnLyingDisk, AppearWholeWhereNothingWas) {
+TEST_F(SavesOnLyingDisk, OfNewFilesAreCompleteOrAbsent) {
     for (SaveCase save : {TextFile(), Chunks()}) {
         const Texts readings = Readings(save);
         LyingDisk disk;

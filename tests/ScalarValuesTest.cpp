@@ -1,5 +1,5 @@
-// Values of one token: integers of eight widths, octets, quoted text, MAC addresses, enumerators. Each line
-// stands behind a keyword line, so that it is line 2 of its text.
+// Values of one token: integers of eight types, octets, quoted text, MAC addresses, enumerators. Each line
+// follows a keyword line, so that it is line 2 of its text.
 
 #include "kes/configtools/readerwriters/kestext/common/textparser/CEnum.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/CUnicodeFile.h"
@@ -61,7 +61,7 @@ TEST(ScalarValues, IntegersOutsideTheirWidthFailAtTheDigit) {
     });
 }
 
-TEST(ScalarValues, IntegersOutsideTheRangeOfTheirKeyFailBehindTheValue) {
+TEST(ScalarValues, IntegersOutsideTheRangeOfTheirKeyFailAfterTheValue) {
     Check({
         {"small = 3", "10 small=u8:3"},
         {"small = 4", "! 2:10 #24 Number is too large: small  must be between 1 and 3 (val=4)"},
@@ -76,7 +76,7 @@ TEST(ScalarValues, IntegersOutsideTheRangeOfTheirKeyFailBehindTheValue) {
     });
 }
 
-TEST(ScalarValues, OctetsStandInBrackets) {
+TEST(ScalarValues, OctetsAreEnclosedInBrackets) {
     Check({
         {"blob = [ 01 FF\t10 ]", "13 blob=\"<01><FF><10>\""},
         {"blob = [01fF]", "13 blob=\"<01><FF>\""},
@@ -136,7 +136,7 @@ TEST(ScalarValues, MacAddressesKeepToOneSeparator) {
     });
 }
 
-TEST(ScalarValues, EnumeratorsGoByNameOrNumber) {
+TEST(ScalarValues, EnumeratorsAreGivenByNameOrNumber) {
     const std::string choice = " must be one of MODE-X(70000), MODE_A(0), MODE_FAST(3).";
     Check({
         {"mode = mode_fast", "17 mode=MODE_FAST(3)"},
@@ -151,7 +151,7 @@ TEST(ScalarValues, EnumeratorsGoByNameOrNumber) {
     });
 }
 
-TEST(ScalarValues, WordsAreFourDigitsWithBlanksBetween) {
+TEST(ScalarValues, WordsAreFourDigitsSeparatedBySpaces) {
     const struct {
         std::string text;
         std::int32_t code;

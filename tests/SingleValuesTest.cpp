@@ -1,4 +1,4 @@
-// One key at a time: values, defaults, and keys that the metadata does not know, through the real plug-ins.
+// Single keys: values, defaults, and keys that are not in the metadata, through the real plug-ins.
 
 #include "support/HostSession.h"
 
@@ -45,7 +45,7 @@ protected:
     std::shared_ptr<Subsystem> mBt = SubsystemNamed("bt");
 };
 
-TEST_F(SingleValues, ASetValueIsFoundAgainInTheFormOfTheWriter) {
+TEST_F(SingleValues, ASetValueIsReturnedInTheFormOfTheWriter) {
     EXPECT_FALSE(mFacade.HasValue());
     ASSERT_TRUE(Set(MAX_ACL_LINKS, "0x05"));
     EXPECT_EQ(Get(MAX_ACL_LINKS), "\n# Links at a time\nmax_acl_links = 5\n");
@@ -81,7 +81,7 @@ TEST_F(SingleValues, EachDeviceHasItsPlace) {
     const struct {
         std::int32_t device;
         std::int32_t store;
-        std::string error;  ///< "none" when the value is taken
+        std::string error;  ///< "none" if the value is accepted
     } rows[] = {
         {1, 0, "none"},
         {2, 5, "none"},
@@ -112,7 +112,7 @@ TEST_F(SingleValues, EachDeviceHasItsPlace) {
     }
 }
 
-TEST_F(SingleValues, WhatIsRefusedChangesNothingAndSaysWhy) {
+TEST_F(SingleValues, ARejectedValueChangesNothingAndIsReported) {
     ASSERT_TRUE(Set(MAX_ACL_LINKS, "3"));
     EXPECT_FALSE(mFacade.SetValue(mBt, MAX_ACL_LINKS, nullptr, 2, 1, 0, "4"));
     EXPECT_FALSE(mFacade.AddValue(mBt, MAX_ACL_LINKS, nullptr, 2, 1, -1, "4"));
@@ -162,7 +162,7 @@ TEST_F(SingleValues, EmptyValuesAndNewlinesAreReadAsInAText) {
     EXPECT_EQ(mFacade.GetValues()->size(), 2U) << "a set replaces all of them";
 }
 
-TEST_F(SingleValues, OfSeveralPlacesTheOneWrittenLastCounts) {
+TEST_F(SingleValues, OfSeveralPlacesTheOneWrittenLastIsUsed) {
     ASSERT_TRUE(Set(MAX_ACL_LINKS, "3", DEVICE_TYPE_OTP, 1));
     ASSERT_TRUE(Set(MAX_ACL_LINKS, "4", DEVICE_TYPE_SMEM, 1));
     ASSERT_TRUE(Set(MAX_ACL_LINKS, "5", DEVICE_TYPE_OTP, 1));
@@ -199,7 +199,7 @@ TEST_F(SingleValues, AValueInTheListSetsTheSameKey) {
     EXPECT_EQ(mFacade.FirstDifference(copy), HostString()) << mFacade.FirstDifference(copy);
 }
 
-TEST_F(SingleValues, BytesThatAreNoUnicodeAreTakenAndGivenAsTheyAre) {
+TEST_F(SingleValues, BytesThatAreNotUtf8ArePreserved) {
     FrameworkFacade other(EXAMPLE_DATABASE);
     other.OwningChip(ChipOf(HEADUNIT));
     other.LoadBlank();
@@ -225,7 +225,7 @@ TEST_F(SingleValues, BytesThatAreNoUnicodeAreTakenAndGivenAsTheyAre) {
     EXPECT_EQ(HostString(text), mFacade.GetValue(mBt, LOCAL_NAME, nullptr, LAYER));
 }
 
-TEST_F(SingleValues, DefaultsStandApartFromTheConfiguration) {
+TEST_F(SingleValues, DefaultsAreSeparateFromTheConfiguration) {
     EXPECT_FALSE(mFacade.HasDefault(mBt, MAX_ACL_LINKS)) << "nothing was loaded";
     EXPECT_TRUE(mFacade.GetDefault(mBt, MAX_ACL_LINKS, nullptr).IsNull());
     ASSERT_TRUE(mFacade.LoadDefaults(mBt)) << LastError();
@@ -274,7 +274,7 @@ TEST_F(SingleValues, DefaultsStandApartFromTheConfiguration) {
     EXPECT_EQ(states, "max_acl_links 7/7 same\nlocal_name \"Car\"/\"OTR520\"\npin_code \"0000\"/none\n");
 }
 
-TEST_F(SingleValues, ReloadingDefaultsReplacesThemAndGoesOnAfterAFailure) {
+TEST_F(SingleValues, ReloadingDefaultsReplacesThemAndContinuesAfterAFailure) {
     const auto list = [](std::initializer_list<const char*> names) {
         auto subsystems = std::make_shared<std::vector<std::shared_ptr<Subsystem>>>();
         for (const char* name : names) subsystems->push_back(SubsystemNamed(name));
@@ -314,7 +314,7 @@ protected:
     RawMode() : SingleValues(HEADSET) {}
 };
 
-TEST_F(RawMode, KeysThatTheMetadataDoesNotKnowGetARecord) {
+TEST_F(RawMode, KeysThatAreNotInTheMetadataGetARecord) {
     EXPECT_EQ(mFacade.GetPopulatedRawmodeMetadata(mBt)->Count(), 0U);
     const std::string text = mFolder.Write(
         "a.ktf",
@@ -351,7 +351,7 @@ TEST_F(RawMode, KeysThatTheMetadataDoesNotKnowGetARecord) {
     EXPECT_TRUE(indexed.TableIndexes()->empty()) << "no table indexes are added";
     EXPECT_EQ(all->Item(77)->Label(), HostString("Internal Key"));
 
-    // The defaults count too, after the configuration.
+    // Defaults are included as well, after the configuration.
     ASSERT_TRUE(mFacade.LoadDefaults(psaudio));
     EXPECT_GT(mFacade.GetPopulatedRawmodeMetadata(psaudio)->Count(), 30U);
     EXPECT_EQ(mFacade.GetPopulatedRawmodeMetadata(SubsystemNamed("audio"))->Count(), 0U);
@@ -359,7 +359,7 @@ TEST_F(RawMode, KeysThatTheMetadataDoesNotKnowGetARecord) {
     EXPECT_EQ(LastError(), "none");
 }
 
-TEST_F(SingleValues, ReadOnlyKeysOfPsaudioComeOutWritable) {
+TEST_F(SingleValues, ReadOnlyKeysOfPsaudioAreReturnedAsWritable) {
     NetMetadataProvider provider(EXAMPLE_DATABASE);
     mFacade.OwningChip(ChipOf(HEADSET));
     const auto serial = provider.GetMetadataByName(HEADSET, SUBSYSTEM_TYPE_PSAUDIO, "tuning_checksum");
@@ -372,7 +372,7 @@ TEST_F(SingleValues, ReadOnlyKeysOfPsaudioComeOutWritable) {
         AccessRights::ReadWrite);
 }
 
-TEST_F(SingleValues, AReleasedFacadeHasNothing) {
+TEST_F(SingleValues, ADisposedFacadeReturnsNothing) {
     ASSERT_TRUE(Set(MAX_ACL_LINKS, "3"));
     mFacade.Dispose();
     EXPECT_FALSE(mFacade.HasValue() || mFacade.HasValue(mBt) || mFacade.HasValue(mBt, MAX_ACL_LINKS, 1));

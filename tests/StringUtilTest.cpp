@@ -1,4 +1,4 @@
-// The string utilities. Every table runs over the byte form and the wide form.
+// The string utilities. Every table is tried with the byte form and the wide form.
 
 #include "messages/CTheMsgHnd.h"
 #include "util/misc/stringutil.h"
@@ -88,7 +88,7 @@ TYPED_TEST(StringUtil, ReadsHexNumbers) {
     for (const auto& row : rows) EXPECT_EQ(stringutil::HexStrToInt(this->T(row.text)), row.value) << row.text;
 }
 
-TYPED_TEST(StringUtil, ReadsOctetsOrGivesTheTextBack) {
+TYPED_TEST(StringUtil, ReadsOctetsOrReturnsTheText) {
     const struct {
         std::string text, bytes;
     } rows[] = {
@@ -118,7 +118,7 @@ TYPED_TEST(StringUtil, ReadsOctetsOrGivesTheTextBack) {
     }
 }
 
-TYPED_TEST(StringUtil, WritesOctetsThatReadBack) {
+TYPED_TEST(StringUtil, WritesOctetsThatCanBeReadAgain) {
     const std::string bytes("\x00\x80\x0F\xFF", 4);
     EXPECT_EQ(stringutil::StringToOctStr(this->T(bytes)), this->T("00800fff"));
     EXPECT_EQ(stringutil::OctetToOctetString(this->T(bytes)), this->T("00800fff"));
@@ -209,14 +209,14 @@ TYPED_TEST(StringUtil, SplitsIntoPairs) {
     }
 }
 
-TYPED_TEST(StringUtil, SplitsIntoPiecesBehindThoseThatAreThere) {
+TYPED_TEST(StringUtil, AppendsPiecesToExistingOnes) {
     std::vector<std::basic_string<TypeParam>> pieces = {this->T("old")};
     stringutil::StringToVector(this->T("a,,b c,"), TypeParam(','), pieces);
     stringutil::StringToVector(this->T(""), TypeParam(','), pieces);
     EXPECT_EQ(pieces, (decltype(pieces){this->T("old"), this->T("a"), this->T("b c")}));
 }
 
-TYPED_TEST(StringUtil, TellsHexStrings) {
+TYPED_TEST(StringUtil, RecognizesHexStrings) {
     const struct {
         std::string text;
         bool plain, prefixed;
@@ -231,7 +231,7 @@ TYPED_TEST(StringUtil, TellsHexStrings) {
     }
 }
 
-TYPED_TEST(StringUtil, TracesInItsOwnGroup) {
+TYPED_TEST(StringUtil, TracesUnderItsOwnGroup) {
     struct Recorder final : CMessageHandlerObserver {
         void OnTrace(const std::string& line) override { lines.push_back(line.substr(0, line.rfind(" ("))); }
         std::vector<std::string> lines;

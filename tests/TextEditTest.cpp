@@ -1,4 +1,4 @@
-// Where things stand in a text, and what changes of single keys do to it.
+// The positions of lines, keys and values in a text, and the effect of changing single keys.
 
 #include "model/CMetadataProviderFactory.h"
 #include "model/CReaderWriterFactory.h"
@@ -16,7 +16,7 @@ CTextIndex IndexOf(const std::string& text) {
     return {text, TextKeys(), "sys_1_0"};
 }
 
-/// Each line as `KEY=VALUE@PLACE`, "-" for lines without effect, "!" and its code for what is wrong.
+/// Each line as `KEY=VALUE@PLACE`, "-" for lines without effect, "!" and a code for errors.
 std::string Show(const CTextIndex& index) {
     std::string shown;
     for (const TextLine& line : index.Lines()) {
@@ -33,7 +33,7 @@ std::string Show(const CTextIndex& index) {
     return shown;
 }
 
-TEST(TextIndex, NotesWhereLinesKeysAndValuesStand) {
+TEST(TextIndex, RecordsThePositionsOfLinesKeysAndValues) {
     const struct {
         const char* what;
         std::string text;
@@ -160,7 +160,7 @@ TEST(TextEdit, ChangesTheCharactersOfTheValueAndNothingElse) {
     for (const auto& row : rows) EXPECT_EQ(EditText(IndexOf(row.text), row.changes), row.edited) << row.what;
 }
 
-TEST(TextEdit, TheLawHoldsForEveryKeyOfTheExamples) {
+TEST(TextEdit, ItsPropertiesHoldForEveryKeyOfTheExamples) {
     CMetadataProviderFactory::Ref().Load(KES_TEST_PLUGIN_DIR);
     CReaderWriterFactory::Ref().Load(KES_TEST_PLUGIN_DIR);
     const std::unique_ptr<IMetadataProvider> provider(CMetadataProviderFactory::Ref().Create(

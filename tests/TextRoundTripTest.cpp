@@ -1,4 +1,4 @@
-// What comes back when a written text is read, and what does not.
+// Reading written texts: what is preserved and what is not.
 
 #include "model/CMetadataProviderFactory.h"
 #include "model/CReaderWriterFactory.h"
@@ -41,7 +41,7 @@ public:
     }
     std::string Model() const { return Dump(mConfig); }
     const std::string& Findings() const { return mFindings; }
-    /// Takes out the keys that the metadata does not know, and tells how many there were.
+    /// Removes the keys that are not in the metadata and returns their number.
     std::size_t DropUnknown() {
         std::size_t count = 0;
         for (const auto& [number, place] : mConfig.Subsystems()) {
@@ -89,7 +89,7 @@ TEST(TextRoundTrip, LoadSaveLoadGivesTheSameModel) {
             EXPECT_EQ(second.Model(), first.Model()) << path;
             EXPECT_EQ(second.Save(simple), saved) << path;
 
-            // Keys without metadata read back in raw form only; they alone are refused.
+            // Keys without metadata can only be read in raw form; only they are rejected.
             EXPECT_EQ(refused.Model(), first.Model()) << path;
             const auto findings = std::ranges::count(refused.Findings(), '#');
             EXPECT_EQ(static_cast<std::size_t>(findings), dropped) << path << "\n" << refused.Findings();
@@ -99,7 +99,7 @@ TEST(TextRoundTrip, LoadSaveLoadGivesTheSameModel) {
     EXPECT_GT(unknown, 0U);
 }
 
-/// A configuration of one element, written and read again: what the reader says of it.
+/// A configuration with one element, written and read again, and the result of the reader.
 struct Case {
     std::int32_t subsystem, device, store;
     std::string version;
@@ -108,7 +108,7 @@ struct Case {
     std::string outcome;
 };
 
-TEST(TextRoundTrip, SomeOutputsDoNotComeBack) {
+TEST(TextRoundTrip, SomeOutputsCannotBeReadAgain) {
     MemoryProvider provider;
     for (const char* name : {"curator", "bt", "audio"}) provider.AddSubsystem(name);
     provider.Key(1, "rf_gain", "uint8").Range(0, 255);
@@ -164,7 +164,7 @@ TEST(TextRoundTrip, SomeOutputsDoNotComeBack) {
     }
 }
 
-TEST(TextRoundTrip, RawValuesOfUnknownKeysComeBackUnderTheRawTag) {
+TEST(TextRoundTrip, RawValuesOfUnknownKeysArePreservedUnderTheRawTag) {
     const std::string text = "file=audio\n99 = % 1 0x1234 [ 01 FF ] %\n99.1 = %% \n";
     CChipConfig config;
     CKesContext context = OverwriteContext();
@@ -174,7 +174,7 @@ TEST(TextRoundTrip, RawValuesOfUnknownKeysComeBackUnderTheRawTag) {
     EXPECT_EQ(Outcome(Read(saved)), "[3/15/1 99=u64:1 u64:4660 \"<01><FF>\"]");
 }
 
-TEST(TextRoundTrip, LongArraysAndDeepStructsComeBack) {
+TEST(TextRoundTrip, LongArraysAndDeepStructsArePreserved) {
     constexpr std::uint32_t ITEMS = 100000;
     constexpr int DEPTH = 64;
     MemoryProvider provider;

@@ -1,5 +1,4 @@
-// From bytes to filtered characters: line ends, continuations, comments, and the positions that messages rest
-// on.
+// From bytes to filtered characters: line ends, continuations, comments, and the positions used in messages.
 
 #include "kes/configtools/readerwriters/kestext/common/textparser/CTokenString.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/CUnicodeFile.h"
@@ -16,7 +15,7 @@ using namespace VemoKesConfigTools;
 
 namespace {
 
-/// The chain as a read builds it.
+/// The chain of filters, built as for a read.
 struct Chain {
     explicit Chain(const std::string& bytes) : stream(bytes), file(&stream) {}
 
@@ -62,7 +61,7 @@ TEST(TextSource, FoldsEveryLineEndToOneNewline) {
     for (const auto& row : rows) EXPECT_EQ(ReadFile(row.bytes), row.text);
 }
 
-TEST(TextSource, LeavesTheStreamReadToItsEnd) {
+TEST(TextSource, ReadsTheStreamToItsEnd) {
     std::istringstream stream("abc");
     const CUnicodeFile file(&stream);
     EXPECT_TRUE(stream.eof());
@@ -83,7 +82,7 @@ TEST(TextSource, TwoByteCodingsKeepTheLowByte) {
     EXPECT_EQ(text, "az") << "half a unit at the end is no character";
 }
 
-TEST(TextSource, EndIsMetByReadingPastIt) {
+TEST(TextSource, TheEndIsDetectedByReadingPastIt) {
     std::istringstream stream("ab\n");
     CUnicodeFile file(&stream);
     EXPECT_EQ(file.PeekString(10), "ab\n");
@@ -150,7 +149,7 @@ TEST(TextSource, CommentFiltersCanBeSwitchedOffAndContinuationsCannot) {
     gFiltersEnabled = true;
 }
 
-TEST(TextSource, LookingAheadLeavesThePositionInFrontOfTheComment) {
+TEST(TextSource, LookingAheadKeepsThePositionBeforeTheComment) {
     Chain chain("/* x */y");
     EXPECT_EQ(chain.top.PeekChar(), 'y');
     EXPECT_EQ(chain.file.GetColumn(), 0U);
@@ -158,7 +157,7 @@ TEST(TextSource, LookingAheadLeavesThePositionInFrontOfTheComment) {
     EXPECT_EQ(chain.file.GetColumn(), 8U);
 }
 
-TEST(TextSource, TokensTakeRunsUpToTheirSet) {
+TEST(TextSource, TokensTakeRunsUpToAStopSet) {
     Chain chain("  \tname_1/* c */x-y rest");
     CTokenString token(&chain.top);
     EXPECT_TRUE(token.SkipWhitespace());
@@ -172,8 +171,8 @@ TEST(TextSource, TokensTakeRunsUpToTheirSet) {
     EXPECT_FALSE(CTokenString(&newline.top).SkipWhitespace());
 }
 
-/// Random texts of the characters that matter: the fast chain delivers what the plain one does, with the same
-/// positions, however it is asked, and also when comments are switched off and on.
+/// With random texts of the significant characters: the fast chain returns the same characters and positions
+/// as the plain one, for any sequence of calls, also when comments are switched off and on.
 TEST(TextSource, FastChainEqualsThePlainOne) {
     const std::string alphabet = "ab \\\\\\\n\n##//**\"\xFF";
     std::mt19937 random(20250101);
@@ -218,7 +217,7 @@ TEST(TextSource, FastChainEqualsThePlainOne) {
                 }
                 default:
                     ASSERT_EQ(fast.top.GetChar(), plain.GetChar()) << text;
-                    if (pick(4) == 0) {  // go back, as a token does that finds it was mistaken
+                    if (pick(4) == 0) {  // go back, as a token does that turns out not to match
                         plain.SetPosition(saved);
                         fast.top.SetPosition(saved);
                     }

@@ -1,4 +1,4 @@
-// Single values that are refused or empty leave no trace: in the configuration, and in what is saved of it.
+// Single values that are rejected or empty leave no trace, in the configuration and in saved files.
 
 #include "support/DeviceSession.h"
 
@@ -37,7 +37,7 @@ protected:
     }
 };
 
-TEST_F(UndoneChanges, ARefusedOrEmptyValueLeavesNothingThatWasNotThere) {
+TEST_F(UndoneChanges, ARejectedOrEmptyValueAddsNothing) {
     const auto facade = Holding("file=bt2\nmax_acl_links=3\nfile=bt3\nmax_acl_links=4\n");
     ASSERT_TRUE(
         facade->AddValue(SubsystemNamed("bt"), MAX_ACL_LINKS, nullptr, DEVICE_TYPE_EEPROM, 3, LAYER, "5"));
@@ -72,7 +72,7 @@ TEST_F(UndoneChanges, ARefusedOrEmptyValueLeavesNothingThatWasNotThere) {
     EXPECT_EQ(State(*facade), "1/15/2 4101=3; 1/15/4 4101=7 | 1/15/2:1 1/15/3:0 1/15/4:1 | 15/4 15/3 15/2");
 }
 
-TEST_F(UndoneChanges, APlaceWithoutKeysIsKeptInATextAndMakesNoChunkFile) {
+TEST_F(UndoneChanges, APlaceWithoutKeysIsWrittenToTextsButNotToChunkFiles) {
     const auto facade = Holding("file=bt2\nmax_acl_links=3\nfile=bt4\n");
     ASSERT_TRUE(facade->SaveText(mFolder / "out.ktf"));
     EXPECT_NE(KesTest::ReadFile(mFolder / "out.ktf").find("file=bluetooth4"), std::string::npos)
@@ -86,7 +86,7 @@ TEST_F(UndoneChanges, APlaceWithoutKeysIsKeptInATextAndMakesNoChunkFile) {
     EXPECT_FALSE(std::filesystem::exists(folder + "/bt-eeprom-0002.kcf")) << "its keys are gone";
 }
 
-TEST_F(UndoneChanges, APlaceWithoutKeysTakesNoStoreOfADevice) {
+TEST_F(UndoneChanges, APlaceWithoutKeysNeedsNoStoreOnADevice) {
     const std::string image = Image(ImageFamily::Kld, 65536);
     const auto facade = Holding(
         "subsystem=bt\ndevice=otp\nstore=1\nmax_acl_links=1\ndevice=smem\nstore=1\n"
@@ -118,7 +118,7 @@ TEST_F(UndoneChanges, AStoreSetThatLosesItsKeysIsCleared) {
     EXPECT_EQ(Read(ImageFamily::Isp, image), "");
 }
 
-TEST_F(UndoneChanges, StoresKeepWhatTheDeviceSaidOfThem) {
+TEST_F(UndoneChanges, StoresKeepTheDataFromTheDevice) {
     const std::string image = Image(ImageFamily::Kld, 65536);
     ASSERT_TRUE(Blank()->CreateKeyStore(image, DEVICE_TYPE_SMEM, 5, 1024, 77, true)) << LastError();
     const auto facade = Blank();

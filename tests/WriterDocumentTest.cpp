@@ -1,4 +1,4 @@
-// The document around the values: header, sections, keys with their comments, and where the text goes.
+// The document around the values: header, sections, keys with their comments, and output files.
 
 #include "support/TempFolder.h"
 #include "support/TextWriting.h"
@@ -86,8 +86,8 @@ TEST(WriterDocument, SectionsNameTheirPlace) {
     }
 }
 
-/// Each brace of an array is what the provider says when it is due.
-TEST(WriterDocument, ArrayBracesAreAskedForOneByOne) {
+/// Each brace of an array is requested from the provider when it is needed.
+TEST(WriterDocument, ArrayBracesAreRequestedOneByOne) {
     MemoryProvider provider;
     Record& key = provider.Key(3, "words", "uint16");
     for (const auto& [open, close, text] : {std::tuple(true, true, "words = {0x07}\n"),
@@ -136,7 +136,7 @@ TEST(WriterDocument, ElementsNeedNoDocument) {
     EXPECT_EQ(stream.str(), "\nrf_offset.4 = 3\n");
 }
 
-TEST(WriterDocument, StreamOfTheCallerStaysOpen) {
+TEST(WriterDocument, TheStreamOfTheCallerStaysOpen) {
     std::ostringstream stream;
     CKesWriter writer(&stream, &Keys());
     CKesContext context = OverwriteContext();
@@ -211,7 +211,7 @@ TEST_F(WriterFile, ThatCannotBeWrittenIsAnError) {
     EXPECT_EQ(Messages::LastError(), "0 unable to write to the file: /dev/full");
 }
 
-TEST_F(WriterFile, IsNotTouchedUnderAContextWithoutAPlace) {
+TEST_F(WriterFile, IsNotTouchedForAContextWithoutAPlace) {
     const std::string path = mFolder.Write("a.ktf", "old");
     CBaseContext context;
     CKesWriter writer(path, &Keys());

@@ -26,7 +26,7 @@ std::vector<files::SetEntry> ChunkFilesOf(const std::string& folder) {
     try {
         return files::ListSet(folder, ".kcf");
     } catch (const files::FileError& error) {
-        // What hosts know as the exception of the file system.
+        // Hosts catch this exception; `FileError` is internal.
         throw std::filesystem::filesystem_error(error.Reason(), folder,
                                                 std::error_code(error.Number(), std::generic_category()));
     }
@@ -34,7 +34,7 @@ std::vector<files::SetEntry> ChunkFilesOf(const std::string& folder) {
 
 }  // namespace
 
-/// Whether all is there that a load of chunk files needs, which then begins; stores why not.
+/// Prepares a load of chunk files. Returns false and stores an error if something it needs is missing.
 bool FrameworkFacade::BeginBinaryLoad(const char* function, bool merge) {
     DefaultHandler(function).ClearError(CMessageHandler::GROUP_DEFAULT);
     if (!mpProvider) return Fail(function, ERROR_PLUGIN, NO_PROVIDER);
@@ -45,10 +45,10 @@ bool FrameworkFacade::BeginBinaryLoad(const char* function, bool merge) {
     return true;
 }
 
-/// Reads the file in the buffer.
+/// Reads the chunk file in the buffer.
 bool FrameworkFacade::ReadChunk(const std::string& name) {
     CKesContext context = LoadContext();
-    // The reader sees a stream, but its messages need a name.
+    // The reader only has a stream; the name is for its messages.
     context.SetTag(STR_INPUT_FILE, name);
     return mpBinaryReader->Read(context);
 }

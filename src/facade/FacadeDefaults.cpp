@@ -1,4 +1,4 @@
-// Default values, and all that can be asked of them.
+// Loading and querying default values.
 
 #include "facade/FacadeSupport.h"
 #include "facade/FrameworkFacade.h"
@@ -21,6 +21,7 @@ bool FrameworkFacade::LoadDefaults(const SubsystemRef& subsystem) {
     if (reader == nullptr) return Fail(FUNCTION, ERROR_PLUGIN, NO_PROVIDER);
     if (!mOwningChip) return Fail(FUNCTION, ERROR_DATA, NO_CHIP);
     if (!subsystem) return false;
+    // The metadata provider is also the reader of the defaults in its database.
     reader->SetObserver(mpDefaultChip.get());
     CKesContext context = QuestionContext(*subsystem, LayerIndexVals::Defaults);
     context.SetDevice(0);
@@ -31,6 +32,7 @@ bool FrameworkFacade::LoadDefaults(const SubsystemRef& subsystem) {
 
 bool FrameworkFacade::ReloadKnownDefaults(const HostListRef<SubsystemRef>& subsystems) {
     if (mpDefaultChip) mpDefaultChip->Clear();
+    // `LoadDefaults` comes first in the expression, so that it is called even after a failure.
     bool all = true;
     for (const SubsystemRef& subsystem : subsystems) all = LoadDefaults(subsystem) && all;
     return all;
@@ -38,6 +40,7 @@ bool FrameworkFacade::ReloadKnownDefaults(const HostListRef<SubsystemRef>& subsy
 
 bool FrameworkFacade::HasDeviceDefaults() const {
     if (!mpDefaultChip) return false;
+    // Defaults from the database are in the layer of defaults, those from a device are not.
     return std::ranges::any_of(mpDefaultChip->Subsystems(), [](const auto& entry) {
         CSubsystemConfig* place = entry.second;
         return place != nullptr && !place->Elements().empty() &&

@@ -24,8 +24,9 @@ constexpr std::int32_t ANY_SUBSYSTEM = -1;
 
 }  // namespace
 
-/// A reader made for one load, with its provider and the configuration as its observer. Null when the load
-/// cannot be; stores why not. With a reader, default values and chip are there too.
+/// Creates a reader for one load, with the metadata provider set and the configuration as its observer.
+/// Returns null and stores an error if the load is not possible. If it returns a reader, the default values
+/// and the chip exist too.
 std::unique_ptr<IConfigReader> FrameworkFacade::BeginDeviceLoad(const char* function,
                                                                 const PluginWords& plugin,
                                                                 const HostString& connection, bool merge,
@@ -35,6 +36,7 @@ std::unique_ptr<IConfigReader> FrameworkFacade::BeginDeviceLoad(const char* func
         Fail(function, ERROR_DATA, NO_CHIP);
         return nullptr;
     }
+    // Emptied before the device is accessed: after a failed load, old keys must not pass for the device's.
     if (!merge && mpFileChip) mpFileChip->PrepareForChip(mOwningChip->ChipId());
     const std::string name = Framework::GetString(connection);
     std::unique_ptr<IConfigReader> reader(
@@ -82,7 +84,7 @@ bool FrameworkFacade::LoadFromDeviceKesCrs(const HostString& connection, DeviceN
     const bool good = reader->Read(context);
     if (!readAll && aFilter != DEVICE_TYPE_DEV_CFG) return good;
 
-    // What the firmware brings is what counts where the device says nothing: its defaults.
+    // The firmware's store set applies to all keys that the device does not set, so it holds the defaults.
     reader->SetObserver(mpDefaultChip.get());
     context.SetTag(STR_STORESET_FILTER, DEVICE_TYPE_FW_CFG);
     return good && reader->Read(context);
@@ -143,6 +145,7 @@ bool FrameworkFacade::CreateKeyStore(const HostString& connection, DeviceNvsType
     const std::unique_ptr<IStoreManager> manager(
         CReaderWriterFactory::Ref().CreateStoreManager(OSTREL.name, name, nullptr));
     CMessageHandler& handler = DefaultHandler(FUNCTION);
+    // `CreateStore` returns nothing: whether an error is stored afterwards tells the outcome.
     handler.ClearError(CMessageHandler::GROUP_DEFAULT);
     if (!manager) return FailWithout(FUNCTION, OSTREL, name);
     CKesContext context;

@@ -1,4 +1,4 @@
-// Records for keys that the metadata does not know.
+// Records for keys that are not in the metadata.
 
 #include "facade/FrameworkFacade.h"
 #include "model/CChipConfig.h"
@@ -14,8 +14,8 @@ namespace {
 constexpr const char* INTERNAL_LABEL = "Internal Key";
 constexpr const char* INTERNAL_DESCRIPTION = "Vemo internal key - do not modify unless advised by Vemo";
 
-/// A record for a key that has one on the metadata side, known or of an unknown type. It is writable
-/// whatever the key's own right is.
+/// A record for a key that has metadata, possibly of unknown type. It is always writable, regardless of the
+/// access right of the key.
 std::shared_ptr<Metadata> RecordOf(std::int32_t psid, const IMetadata& m, bool known) {
     return std::make_shared<Metadata>(
         m.Uid(), psid, known ? m.Name() : std::to_string(psid), known ? m.Label() : INTERNAL_LABEL,

@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <string>
 
-// What the operations of the facade share. Private to this folder.
+// Helpers shared by the operations of the facade. Private to this folder.
 
 #define KES_FACADE_FUNCTION(name) "VEMO::Kes::ConfigurationTools::FrameworkFacade::" name
 
@@ -20,11 +20,11 @@ inline constexpr const char* NO_PROVIDER = "sqlite metadata plugin not found.";
 inline constexpr const char* NO_CHIP = "no chip is set";
 inline constexpr const char* NO_TEXT = "The text file is zero length. No config data found.";
 
-/// A plug-in of readers and writers, and what is said when one cannot be had.
+/// A plug-in of readers and writers, with the messages for when it cannot be used.
 struct PluginWords {
     const char* name;
     const char* absent;
-    const char* noTarget;  ///< the plug-in is there, but no file, folder or device was named
+    const char* noTarget;  ///< the plug-in exists, but no file, folder or device was named
 };
 
 inline constexpr PluginWords KESTEXT{"KesText", "KesText readerwriter plugin not found.",
@@ -42,15 +42,15 @@ inline VemoKesConfigTools::CMessageHandler& DefaultHandler(const char* function)
     return CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, function, false);
 }
 
-/// Stores an error, and is the false that the operation gives.
+/// Stores an error and returns false, for the operation to return.
 inline bool Fail(const char* function, std::int16_t number, const char* text) {
-    // A plug-in that is missed may be one that could not be loaded.
+    // The missing plug-in may be one that could not be loaded: report those first, so that the cause is seen.
     if (number == ERROR_PLUGIN) VemoKesConfigTools::PluginRegistry::Ref().ReportLeftOut();
     DefaultHandler(function).SetErrorMsg(number, text);
     return false;
 }
 
-/// Stores why the plug-in made nothing for the target, and is the false that the operation gives.
+/// Stores why the plug-in created no object for the target, and returns false.
 inline bool FailWithout(const char* function, const PluginWords& plugin, const std::string& target) {
     if (target.empty() && VemoKesConfigTools::CReaderWriterFactory::Ref().Knows(plugin.name)) {
         return Fail(function, ERROR_DATA, plugin.noTarget);
@@ -58,14 +58,14 @@ inline bool FailWithout(const char* function, const PluginWords& plugin, const s
     return Fail(function, ERROR_PLUGIN, plugin.absent);
 }
 
-/// A context of the chip, with nothing else said.
+/// A context with the chip set and nothing else.
 inline VemoKesConfigTools::CKesContext ChipContext(const Chip& chip) {
     VemoKesConfigTools::CKesContext context;
     context.SetChip(Framework::GetString(chip.SystemVersionLabel()));
     return context;
 }
 
-/// The context of what is read or written as configuration.
+/// The context for reading or writing a configuration.
 inline VemoKesConfigTools::CKesContext FileContext(const Chip& chip) {
     constexpr std::int32_t FILE_TYPE = 1;
     VemoKesConfigTools::CKesContext context = ChipContext(chip);

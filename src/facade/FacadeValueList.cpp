@@ -1,4 +1,4 @@
-// The keys of a configuration with their values and defaults, in lines of the text format.
+// Lists of the keys of a configuration, with values and defaults in the text format.
 
 #include "facade/FacadeSupport.h"
 #include "facade/FrameworkFacade.h"
@@ -17,7 +17,7 @@ namespace VEMO::Kes::ConfigurationTools {
 
 using namespace VemoKesConfigTools;
 
-/// What stands behind "=" when the element is written in one line that reads back.
+/// What follows "=" when the element is written on one line that can be read again.
 std::string FrameworkFacade::LineValueOf(CElement& element, CKesContext& context) {
     constexpr std::string_view DELIMITER = " = ";
     EmptyBuffer();
@@ -33,6 +33,7 @@ std::string FrameworkFacade::LineValueOf(CElement& element, CKesContext& context
 std::shared_ptr<KeyValue> FrameworkFacade::ValueOf(const CSubsystemConfig& place, CElement& element) {
     CKesContext context = place.Place();
     context.SetTag(STR_TXT_SIMPLE_MODE, STR_TRUE);
+    // Defaults do not belong to a device and store, so these are left out of the query.
     CKesContext question;
     question.SetSubsystemType(context.SubsystemType());
     question.SetLayerNumber(LayerIndexVals::Defaults);

@@ -1,5 +1,5 @@
-// Single values: a value leaves the model by being written as text into the buffer, and enters it by being
-// read from there, so that the grammar and the messages of texts hold for it.
+// Single values. A value is read by writing it as text into the buffer, and set by reading a text from there,
+// so that the grammar and the messages of text files apply to it.
 
 #include "facade/FacadeSupport.h"
 #include "facade/FrameworkFacade.h"
@@ -20,7 +20,7 @@ using namespace VemoKesConfigTools;
 
 namespace {
 
-/// The word of a device on which values can be set; null for any other.
+/// The name of a device on which values can be set; null for any other.
 const char* DeviceWord(std::int32_t device) {
     switch (device) {
         case DEVICE_TYPE_OTP:
@@ -89,11 +89,11 @@ bool FrameworkFacade::GetValueBytes(const SubsystemRef& subsystem, std::int32_t 
     return true;
 }
 
-/// An element as the writer gives it outside of a document; null for one that is not valid.
+/// An element as the text writer writes it outside of a document; empty if the element is not valid.
 std::optional<std::string> FrameworkFacade::TextOf(const CElement& element, CKesContext& context) {
     EmptyBuffer();
     if (!element.IsValid()) return std::nullopt;
-    // Writing leaves an element as it is; its operation is not constant by contract.
+    // `Write` does not change the element, but its signature is fixed and not const.
     const_cast<CElement&>(element).Write(*mpBuffWriter, context);
     return mpBuffer->str();
 }
@@ -147,6 +147,8 @@ bool FrameworkFacade::SetAddValue(const SubsystemRef& subsystem, std::int32_t ps
     }
     text.append(indexedPsid(psId, indexes)).append("=").append(value).append("\n");
     mpBuffer->str(std::move(text));
+    // The value may consist of several lines, of which a later one may be refused: undo the earlier ones
+    // then.
     CConfigTransaction change(*mpFileChip);
     if (!mpTextReader->Read(context)) return false;
     change.Commit();

@@ -8,7 +8,7 @@
 
 namespace VEMO::Kes::ConfigurationTools {
 
-/// Starts and stops the library, and tells why an operation failed. Start here:
+/// Starts and stops the library and reports why an operation failed. Typical use:
 ///
 ///     Framework::Init(pluginFolder);
 ///     {
@@ -18,25 +18,26 @@ namespace VEMO::Kes::ConfigurationTools {
 ///     }
 ///     Framework::Deinit();
 ///
-/// Static operations only. The library is used from one thread at a time.
+/// Has static operations only. Use the library from one thread at a time.
 class KES_API Framework {
 public:
     Framework(const Framework&) = delete;
     Framework& operator=(const Framework&) = delete;
 
-    /// Makes the plug-ins of a folder known; to be called before a facade or provider is built. A folder
-    /// without plug-ins is no failure: what is missing shows when it is asked for. From then on the lines of
-    /// a message are separated by a carriage return.
+    /// Registers the plug-ins of a folder. Call it before creating a facade or provider. A folder without
+    /// plug-ins is not an error here: the operations that need a missing plug-in report it. From then on, the
+    /// lines of a message are separated by carriage returns.
     static void Init(const HostString& pluginDir);
-    /// Releases the metadata plug-ins; to be called after the last facade and provider are gone.
+    /// Releases the metadata plug-ins. Call it after the last facade and provider have been destroyed.
     static void Deinit();
     /// Whether an error is stored.
     static bool Error();
-    /// The number and, in `ErrorMsg`, the text of the last error; 0 and the empty text without one. The error
-    /// stays stored. Number 0 speaks of data or an argument, number 1 of a missing plug-in or capability.
+    /// Returns the number and, in `ErrorMsg`, the text of the last error; 0 and an empty text if there is
+    /// none. The error stays stored. Number 0 means invalid data or an invalid argument, number 1 a missing
+    /// plug-in or capability.
     static std::int32_t GetLastError(HostString& ErrorMsg);
 
-    /// The narrow form of a host string; empty for null. Inside the library only.
+    /// The UTF-8 form of a host string; empty for null. For use within the library only.
     static std::string GetString(const HostString& value);
 
 private:

@@ -51,6 +51,7 @@ FrameworkFacade::FrameworkFacade(const HostString& dbName) {
 FrameworkFacade::~FrameworkFacade() { Dispose(); }
 
 void FrameworkFacade::Dispose() {
+    // Readers and writers first: they refer to the buffer, the provider and the configuration.
     mpBinaryReader.reset();
     mpTextReader.reset();
     mpBuffWriter.reset();
@@ -160,7 +161,7 @@ HostListRef<std::shared_ptr<Place>> FrameworkFacade::GetPlaces() const {
     return list;
 }
 
-/// Whether all is there that reading a text needs; stores why not.
+/// Returns false and stores an error if something is missing that reading a text needs.
 bool FrameworkFacade::CanRead(const char* function) const {
     if (!mpProvider) return Fail(function, ERROR_PLUGIN, NO_PROVIDER);
     if (!mpTextReader) return Fail(function, ERROR_PLUGIN, KESTEXT.absent);
@@ -168,14 +169,14 @@ bool FrameworkFacade::CanRead(const char* function) const {
     return true;
 }
 
-/// Whether all is there that writing keys as text needs; stores why not.
+/// Returns false and stores an error if something is missing that writing keys as text needs.
 bool FrameworkFacade::CanWrite(const char* function) const {
     if (!mpProvider) return Fail(function, ERROR_PLUGIN, NO_PROVIDER);
     if (!mpBuffWriter) return Fail(function, ERROR_PLUGIN, KESTEXT.absent);
     return true;
 }
 
-/// The context of a load; its metadata is asked for.
+/// The context of a load. Also has the provider load the metadata of the chip.
 CKesContext FrameworkFacade::LoadContext() const {
     CKesContext context = FileContext(*mOwningChip);
     context.SetTag(STR_INSERT_MODE, STR_OVERWRITE);
@@ -183,13 +184,14 @@ CKesContext FrameworkFacade::LoadContext() const {
     return context;
 }
 
-/// A writer made for one save, with its provider. Null when the save cannot be; stores why not. With a
-/// writer, configuration and chip are there.
+/// Creates a writer for one save, with the metadata provider set. Returns null and stores an error if the
+/// save is not possible. If it returns a writer, the configuration and the chip exist.
 std::unique_ptr<IConfigWriter> FrameworkFacade::BeginSave(const char* function, const PluginWords& plugin,
                                                           const HostString& target, void* argument) {
     const std::string name = Framework::GetString(target);
     std::unique_ptr<IConfigWriter> writer(
         CReaderWriterFactory::Ref().CreateWriter(plugin.name, name, argument));
+    // Cleared only now: an error that the failed creation stored is replaced by the message below.
     DefaultHandler(function).ClearError(CMessageHandler::GROUP_DEFAULT);
     if (!writer) {
         FailWithout(function, plugin, name);
@@ -210,8 +212,8 @@ void FrameworkFacade::EmptyBuffer() {
     mpBuffer->clear();
 }
 
-/// Makes a file, which `read` gives or throws `FileError` for, the content of the buffer. False when it is
-/// empty or cannot be read, with a status report of the cause.
+/// Fills the buffer with the bytes that `read` returns. Returns false if there are none, or if `read` throws
+/// `FileError`, which is then passed on as a status report.
 bool FrameworkFacade::FillBuffer(const char* function, const std::function<std::string()>& read) {
     try {
         std::string content = read();

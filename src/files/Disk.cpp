@@ -6,7 +6,7 @@ namespace VemoKesConfigTools::files {
 
 namespace {
 
-/// Null for the disk of the operating system.
+/// Null while the operating system's disk is in use.
 std::atomic<IDisk*> gpOtherDisk = nullptr;
 
 }  // namespace

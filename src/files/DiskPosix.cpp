@@ -55,6 +55,8 @@ class PosixDisk final : public IDisk {
 public:
     int Open(const std::string& path, OpenFor use) override {
         switch (use) {
+            // O_NONBLOCK: opening a pipe must not wait for its other end. `SetWaiting` clears the flag before
+            // data is transferred.
             case OpenFor::READING:
                 return OpenAt(path, O_RDONLY | O_NONBLOCK, 0);
             case OpenFor::UPDATING:
@@ -80,7 +82,7 @@ public:
 
     std::int64_t ReadNext(int handle, char* bytes, std::size_t size) override {
         SetWaiting(handle);
-        // A pipe that nobody writes to yet would read as one that has ended.
+        // Without the wait, a pipe that has no writer yet would read as end of file.
         pollfd ready{handle, POLLIN, 0};
         if (poll(&ready, 1, -1) < 0) return -errno;
         const ssize_t came = read(handle, bytes, size);
@@ -105,6 +107,7 @@ public:
         if (fstat(handle, &found) != 0) return -errno;
         status = ToStatus(found);
         if (status.kind != FileKind::BLOCK_DEVICE) return 0;
+        // For a block device `st_size` is 0.
         const off_t size = lseek(handle, 0, SEEK_END);
         if (size < 0) return -errno;
         status.size = static_cast<std::uint64_t>(size);
@@ -125,7 +128,7 @@ public:
     int SetMode(int handle, std::uint32_t mode) override { return Result(fchmod(handle, mode)); }
 
     int Attributes(int handle, std::vector<std::pair<std::string, std::string>>& attributes) override {
-        // The kernel keeps names and values within 64 KiB each.
+        // Linux limits the list of names and each value to 64 KiB.
         constexpr std::size_t MOST = 65536;
         std::string names(MOST, '\0');
         const ssize_t size = flistxattr(handle, names.data(), names.size());
@@ -161,7 +164,7 @@ public:
         const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(path.c_str()), closedir);
         if (!folder) return -errno;
         for (;;) {
-            errno = 0;
+            errno = 0;  // the only way to tell an error of `readdir` from the end
             const dirent* const entry = readdir(folder.get());
             if (entry == nullptr) return -errno;
             const std::string name(entry->d_name);
@@ -188,11 +191,12 @@ public:
         constexpr std::uint32_t THOUSAND = 1000;
         constexpr long MILLION = 1'000'000;
         const timespec time{milliseconds / THOUSAND, static_cast<long>(milliseconds % THOUSAND) * MILLION};
-        // A signal ends the sleep early, which is as good.
+        // A signal may end the sleep early: callers poll, so that does no harm.
         nanosleep(&time, nullptr);
     }
 
     std::string TemporaryFolder() override {
+        // A set-user-id host must not let its caller choose where files are created.
         const char* const chosen = secure_getenv("TMPDIR");
         return chosen != nullptr && *chosen == '/' ? chosen : "/tmp";
     }
@@ -201,7 +205,8 @@ public:
         constexpr char LETTERS[] = "abcdefghijklmnopqrstuvwxyz0123456789";
         constexpr std::size_t COUNT = sizeof LETTERS - 1;
         std::array<unsigned char, 8> bytes{};
-        // So few bytes come whole, or, before the kernel has any, not at all; a taken name is tried again.
+        // A request this small is never cut short. If it fails, the word is a constant; the caller retries
+        // when the name exists.
         static_cast<void>(getrandom(bytes.data(), bytes.size(), 0) < 0);
         std::string word;
         for (const unsigned char byte : bytes) word += LETTERS[byte % COUNT];
@@ -213,14 +218,14 @@ private:
         return Result(open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode));
     }
 
-    /// Opening did not wait, but reading and writing a pipe do.
+    /// Clears O_NONBLOCK: opening a pipe does not wait, but reading and writing it do.
     static void SetWaiting(int handle) {
         const int flags = fcntl(handle, F_GETFL);
         if (flags >= 0 && (flags & O_NONBLOCK) != 0) fcntl(handle, F_SETFL, flags & ~O_NONBLOCK);
     }
 };
 
-/// The name of a process's program; empty when the system does not tell it.
+/// The name of a process's program; empty if it cannot be determined.
 std::string ProgramOf(long process) {
     const std::unique_ptr<FILE, int (*)(FILE*)> file(
         std::fopen(("/proc/" + std::to_string(process) + "/comm").c_str(), "re"), std::fclose);
@@ -241,7 +246,8 @@ std::string PosixDisk::LockHolder(int handle) {
         unsigned major = 0;
         unsigned minor = 0;
         unsigned long inode = 0;
-        // "1: FLOCK  ADVISORY  WRITE 123 08:01:4711 0 EOF"; who waits has "->" after the number.
+        // "1: FLOCK  ADVISORY  WRITE 123 08:01:4711 0 EOF"; the line of a waiting process has "->" after the
+        // first number and does not match.
         if (std::sscanf(line.data(), "%*d: FLOCK %*s %*s %ld %x:%x:%lu", &process, &major, &minor, &inode) !=
             4)
             continue;

@@ -14,6 +14,7 @@ const char* Words(FileAction action) {
             return "cannot be read: ";
         case FileAction::WRITE:
             return "cannot be written: ";
+        // Their causes are complete: "is locked by ...".
         case FileAction::LOCK:
         case FileAction::REFUSED:
         case FileAction::CHANGED:

@@ -7,15 +7,16 @@
 
 namespace VemoKesConfigTools::files {
 
-/// What was being done when a file, folder or device failed. A replacement is refused where force would have
-/// made it; a file that was changed meanwhile is left alone in any case.
+/// What was being done when an access to a file, folder or device failed. REFUSED: the file was not replaced,
+/// but would have been with `ReplaceOptions::force`. CHANGED: the file was changed by another program in the
+/// meantime; force does not override that.
 enum class FileAction { OPEN, READ, WRITE, LOCK, REFUSED, CHANGED };
 
-/// A file operation that failed: what was done, on which path, and the cause in words. `what()` is
-/// "PATH: cannot be read: CAUSE". Nothing was changed, unless the operation says otherwise.
+/// A failed file operation: what was attempted, on which path, and why it failed. `what()` is
+/// "PATH: cannot be read: CAUSE". No file was changed unless the operation is documented otherwise.
 class KES_API FileError : public std::runtime_error {
 public:
-    /// `error` is a number of `errno`.
+    /// `error` is a value of `errno`.
     FileError(FileAction action, const std::string& path, int error);
     FileError(FileAction action, const std::string& path, const std::string& cause);
     FileError(const FileError&) = default;
@@ -26,9 +27,9 @@ public:
     const std::string& Path() const { return mPath; }
     /// The cause alone: "No such file or directory".
     const std::string& Cause() const { return mCause; }
-    /// The `errno` of the cause; 0 when the system gave none.
+    /// The `errno` of the failed call; 0 if the system reported none.
     int Number() const { return mNumber; }
-    /// "cannot be read: CAUSE", for messages that name the path themselves.
+    /// "cannot be read: CAUSE", for messages that already name the path.
     std::string Reason() const;
 
 private:

@@ -11,15 +11,15 @@
 
 namespace VemoKesConfigTools::files {
 
-/// A lock that the process holds; closing the file ends it.
+/// A lock that the process holds; closing the file releases it.
 struct FileLock::Entry {
     OpenFile file;
     LockMode mode;
-    std::shared_ptr<Entry> successor;  ///< the file that has taken the name meanwhile
+    std::shared_ptr<Entry> successor;  ///< the file that has replaced this one; kept locked along with it
 };
 
-/// All locks of the process by the identity of their files. A descriptor of its own would lock out the
-/// process itself.
+/// All locks of the process, by the identity of their files. `flock` treats two descriptors of one process as
+/// strangers: a second lock through its own descriptor would wait for the first forever.
 struct FileLock::Table {
     using Identity = std::pair<std::uint64_t, std::uint64_t>;
 
@@ -27,7 +27,7 @@ struct FileLock::Table {
     std::map<Identity, std::weak_ptr<Entry>> entries;
 
     static Table& Ref() {
-        // Never destroyed: locks of static objects may end after it otherwise.
+        // Never destroyed: static objects may release their locks at exit, in any order.
         static Table& table = *new Table;
         return table;
     }
@@ -62,10 +62,10 @@ bool CanBeLocked(FileKind kind) {
     return kind == FileKind::REGULAR || kind == FileKind::FOLDER || kind == FileKind::BLOCK_DEVICE;
 }
 
-/// The file that stands for the path: its own, or its folder's when it is not there.
+/// The path to lock: that of the file, or of its folder if the file does not exist.
 std::string LockedPath(const std::string& path) { return Look(path) ? path : FolderOf(path); }
 
-/// Nothing for what cannot be opened: whoever wants to read or write it will say why.
+/// Empty if the file cannot be opened: the caller's own read or write then reports why.
 std::optional<OpenFile> OpenForLock(const std::string& path) {
     try {
         return OpenFile(path, OpenFor::READING);
@@ -94,6 +94,7 @@ FileLock::FileLock(const std::string& path, LockMode mode, std::chrono::millisec
             Table& table = Table::Ref();
             const std::lock_guard guard(table.mutex);
             std::shared_ptr<Entry> held = table.Find(*status);
+            // A shared lock that is to become exclusive must ask the system: other processes may share it.
             const bool joins = held && (held->mode == LockMode::EXCLUSIVE || mode == LockMode::SHARED);
             if (joins) {
                 mEntry = std::move(held);
@@ -112,7 +113,8 @@ FileLock::FileLock(const std::string& path, LockMode mode, std::chrono::millisec
                 const Outcome outcome = Try(*file, mode);
                 if (outcome == Outcome::NO_LOCKS) return;
                 if (outcome == Outcome::TAKEN) {
-                    // Whoever held it may have put another file in its place.
+                    // The previous holder may have replaced the file: the lock would then be on a file that
+                    // no longer has this name. Start over with the one that has.
                     const std::optional<FileStatus> now = Look(LockedPath(path));
                     if (!now || !now->IsSameFile(file->Status())) continue;
                     mEntry = table.Add(std::move(*file), mode);
@@ -121,6 +123,7 @@ FileLock::FileLock(const std::string& path, LockMode mode, std::chrono::millisec
                 holder = Disk().LockHolder(file->Handle());
             }
         }
+        // The table's mutex is released here: other threads may lock files while this one waits.
         if (waited >= wait) {
             throw FileError(
                 FileAction::LOCK, path,
@@ -134,6 +137,7 @@ void FileLock::Adopt(OpenFile file) const {
     if (!mEntry) return;
     Table& table = Table::Ref();
     const std::lock_guard guard(table.mutex);
+    // A lock that is kept over several replacements holds one file for each of them.
     Entry* last = mEntry.get();
     while (last->successor) last = last->successor.get();
     last->successor = table.Add(std::move(file), LockMode::EXCLUSIVE);

@@ -11,22 +11,22 @@ namespace VemoKesConfigTools::files {
 
 class OpenFile;
 
-/// How long a lock is waited for where nobody says otherwise.
+/// The default time to wait for a lock.
 inline constexpr std::chrono::milliseconds LOCK_WAIT = std::chrono::seconds(10);
 
-/// Keeps other processes from a file or folder for as long as it lives: readers share, a writer excludes all.
-/// The lock is advisory, as `flock` is. A file that is to be created is locked by its folder. Within a
-/// process a second lock on the same file joins the first one. Pipes and file systems without locks have
-/// none.
+/// Locks a file or folder against other processes during its lifetime: readers share the lock, a writer
+/// excludes all others. The lock is advisory, as `flock` is. For a file that does not exist yet, its folder
+/// is locked. Within a process, a second lock on the same file joins the first. Pipes, and files on file
+/// systems without locks, are not locked.
 class KES_API FileLock {
 public:
-    /// Holds nothing.
+    /// Holds no lock.
     FileLock() = default;
-    /// Waits for the lock. Throws `FileError`, which names the holder where the system tells it, when the
-    /// time is over. After the wait the lock is on the file that has the name by then.
+    /// Waits for the lock. On timeout throws `FileError`, which names the holder if that can be determined.
+    /// If the file was replaced during the wait, the new file is locked.
     FileLock(const std::string& path, LockMode mode, std::chrono::milliseconds wait = LOCK_WAIT);
 
-    /// Extends the lock to a file that is about to take the place of the locked one, and already locked.
+    /// Extends the lock to a file, itself already locked, that has replaced the locked one under its name.
     void Adopt(OpenFile file) const;
 
 private:

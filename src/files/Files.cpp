@@ -8,7 +8,7 @@ namespace VemoKesConfigTools::files {
 
 namespace {
 
-/// Says what keeps it from being read as bytes.
+/// Throws if the file is of a kind that cannot be read as bytes.
 void CheckReadable(const OpenFile& file, const FileStatus& status, bool onlyRegular) {
     if (status.kind == FileKind::FOLDER) throw FileError(FileAction::READ, file.Path(), EISDIR);
     if (!onlyRegular || status.kind == FileKind::REGULAR) return;
@@ -69,6 +69,7 @@ void WriteThrough(const std::string& path, std::string_view bytes) {
         file.WriteNext(bytes);
         file.Close();
     } catch (const FileError& error) {
+        // ENXIO comes from opening a pipe that has no reader; its text, "No such device", would mislead.
         if (error.Number() == ENXIO)
             throw FileError(FileAction::WRITE, path, "no program reads from the pipe");
         throw;

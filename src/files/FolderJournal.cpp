@@ -12,8 +12,9 @@ namespace VemoKesConfigTools::files {
 
 namespace {
 
-// Words and names, each ended by a zero byte, which no name has: the heading, "put" NAME TEMPORARY and
-// "remove" NAME, "end", and the CRC-32 of all of it in hexadecimal.
+// A journal is a sequence of words, each terminated by a zero byte, which no file name contains: the heading,
+// then "put" NAME TEMPORARY and "remove" NAME entries, then "end". The CRC-32 of all that follows, in
+// hexadecimal.
 constexpr std::string_view HEADING = "kes-journal 1";
 constexpr std::string_view PUT = "put";
 constexpr std::string_view REMOVE = "remove";
@@ -28,6 +29,7 @@ std::string Sum(std::string_view bytes) {
     return text;
 }
 
+/// A damaged or forged journal must not rename or remove files outside the folder.
 bool IsNameInFolder(std::string_view name) {
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos;
 }
@@ -40,7 +42,8 @@ std::optional<std::string> TakeWord(std::string_view& bytes) {
     return word;
 }
 
-void Do(const std::string& path, int result) {
+/// Ignores a missing file: an interrupted run may already have renamed or removed it.
+void CheckDone(const std::string& path, int result) {
     if (result < 0 && result != -ENOENT) throw FileError(FileAction::WRITE, path, -result);
 }
 
@@ -91,7 +94,7 @@ std::optional<FolderJournal> ReadJournal(const std::string& folder) {
     try {
         bytes = ReadFile(path, Readable::REGULAR_FILES).bytes;
     } catch (const FileError& error) {
-        // The save that it is of has been finished meanwhile.
+        // Its save has been finished in the meantime.
         if (error.Number() == ENOENT) return std::nullopt;
         throw;
     }
@@ -103,16 +106,17 @@ std::optional<FolderJournal> ReadJournal(const std::string& folder) {
 void FinishJournal(const std::string& folder, const FolderJournal& journal) {
     for (const FolderJournal::Put& put : journal.puts) {
         const std::string path = Join(folder, put.name);
-        Do(path, Uninterrupted([&] { return Disk().Rename(Join(folder, put.temporary), path); }));
+        CheckDone(path, Uninterrupted([&] { return Disk().Rename(Join(folder, put.temporary), path); }));
     }
     for (const std::string& name : journal.removed) {
         const std::string path = Join(folder, name);
-        Do(path, Uninterrupted([&] { return Disk().Remove(path); }));
+        CheckDone(path, Uninterrupted([&] { return Disk().Remove(path); }));
     }
+    // The changes must reach the disk before the journal that would repeat them is removed.
     SyncFolder(folder);
     const std::string path = Join(folder, JOURNAL_NAME);
-    Do(path, Uninterrupted([&] { return Disk().Remove(path); }));
-    // A journal that came back after a power cut would remove names that somebody has used again.
+    CheckDone(path, Uninterrupted([&] { return Disk().Remove(path); }));
+    // If the journal reappeared after a power cut, it would remove files that were created since.
     SyncFolder(folder);
 }
 

@@ -7,11 +7,11 @@
 
 namespace VemoKesConfigTools::files {
 
-/// What a save of a folder has committed to.
+/// The changes that a committed save makes to a folder.
 struct FolderJournal {
     struct Put {
         std::string name;
-        std::string temporary;  ///< the name under which the content lies until it gets its own
+        std::string temporary;  ///< the name of the file with the new content, until it is renamed
     };
     std::vector<Put> puts;
     std::vector<std::string> removed;
@@ -19,16 +19,16 @@ struct FolderJournal {
 
 /// The name of a committed journal.
 inline constexpr std::string_view JOURNAL_NAME = ".kes-journal";
-/// The mark of files that wait for their names. They are not those of a single replaced file, which anybody
-/// who has its lock may clear.
+/// The mark in the names of files that a journal will rename. It differs from `REPLACEMENT_MARK`, whose files
+/// any holder of a single file's lock may remove.
 inline constexpr std::string_view SET_MARK = ".kes-set-";
 
 std::string EncodeJournal(const FolderJournal& journal);
-/// Nothing when the bytes are no whole journal.
+/// Empty if the bytes are not a complete journal.
 std::optional<FolderJournal> DecodeJournal(std::string_view bytes);
-/// The journal of a folder; nothing when no save was cut there. Throws `FileError`.
+/// The journal of a folder; empty if no interrupted save left one. Throws `FileError`.
 std::optional<FolderJournal> ReadJournal(const std::string& folder);
-/// Does what a committed journal says, as far as it is not done, and removes it. Throws `FileError`.
+/// Carries out the remaining changes of a committed journal and removes it. Throws `FileError`.
 void FinishJournal(const std::string& folder, const FolderJournal& journal);
 
 }  // namespace VemoKesConfigTools::files

@@ -18,7 +18,7 @@ namespace VemoKesConfigTools::files {
 
 std::vector<SetEntry> ListSet(const std::string& folder, std::string_view ending) {
     std::vector<std::string> names = ListFolder(folder);
-    // Looked for after the listing: a save that is committed by now is taken whole.
+    // Read after the listing: if a save is committed in between, the journal still names all its files.
     const std::optional<FolderJournal> journal = ReadJournal(folder);
     std::map<std::string, std::string> put;
     std::set<std::string> removed;
@@ -45,7 +45,7 @@ std::string ReadSetFile(const std::string& folder, const SetEntry& entry) {
     try {
         return ReadFile(entry.path, Readable::REGULAR_FILES).bytes;
     } catch (const FileError& error) {
-        // It has got its name already.
+        // Missing under its temporary name: a writer has renamed it since the listing.
         if (error.Number() != ENOENT || entry.path == final)
             throw FileError(error.Action(), final, error.Cause());
     }
@@ -54,12 +54,13 @@ std::string ReadSetFile(const std::string& folder, const SetEntry& entry) {
 
 namespace {
 
-/// Writes the journal, with which the new files count. They are returned, since they stay locked.
+/// Commits a save by writing its journal. Returns the new files, locked.
 std::vector<OpenFile> KeepAndCommit(const std::string& folder,
                                     const std::vector<std::unique_ptr<PreparedFile>>& prepared,
                                     const FolderJournal& journal) {
     // Meanwhile nobody would remove the new files: they are kept already, and no journal names them yet.
     const SignalsHeld held;
+    // Their locks are held until the end so that no other process clears them.
     std::vector<OpenFile> locked;
     locked.reserve(prepared.size());
     for (const auto& file : prepared) locked.push_back(file->Keep());
@@ -70,7 +71,8 @@ std::vector<OpenFile> KeepAndCommit(const std::string& folder,
             for (const auto& file : prepared) Disk().Remove(file->TemporaryPath());
             throw;
         }
-        // Committed all the same; what is wrong with the folder will show when the journal is finished.
+        // The journal was renamed, so the save is committed; an error of the folder will recur in its
+        // finishing.
     }
     return locked;
 }
@@ -94,8 +96,9 @@ SetWriter::SetWriter(const std::string& folder) : mpState(std::make_unique<State
     const std::optional<FileStatus> status = Look(folder);
     if (!status || status->kind != FileKind::FOLDER)
         throw FileError(FileAction::OPEN, folder, status ? ENOTDIR : ENOENT);
-    // The first lock was that of the parent when the folder was missing.
+    // If the folder was missing, the first lock was on its parent.
     mpState->lock = FileLock(folder, LockMode::EXCLUSIVE);
+    // The journal first: the temporary files that it lists hold committed content and must not be cleared.
     if (const auto journal = ReadJournal(folder)) FinishJournal(folder, *journal);
     ClearTemporaries(folder, {}, SET_MARK);
     ClearTemporaries(folder, JOURNAL_NAME, REPLACEMENT_MARK);
@@ -119,7 +122,7 @@ std::vector<std::string> SetWriter::Commit(const SetChange& change) {
             std::make_unique<PreparedFile>(target, SET_MARK, file.content, /*force=*/false, notes));
         journal.puts.push_back({file.name, NameOf(prepared.back()->TemporaryPath())});
     }
-    // The names of the new files must be there before the journal can be.
+    // The temporary names must be on the disk before a journal that refers to them.
     SyncFolder(folder);
     if (mpState->isNew) SyncFolder(FolderOf(folder));
     const std::vector<OpenFile> locked = KeepAndCommit(folder, prepared, journal);
@@ -129,7 +132,7 @@ std::vector<std::string> SetWriter::Commit(const SetChange& change) {
     } catch (const FileError& error) {
         throw FileError(
             error.Action(), error.Path(),
-            error.Cause() + "; the new files count all the same, and the next save finishes this");
+            error.Cause() + "; the save is committed nevertheless, and the next save completes it");
     }
     return notes;
 }

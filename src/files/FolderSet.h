@@ -10,10 +10,10 @@
 
 namespace VemoKesConfigTools::files {
 
-// Files of a folder that are one thing together: a save replaces them all or none. A save brings all new
-// files to the disk under temporary names and then commits by giving a journal, which lists the names, its
-// own name. Only after that the files take their names. Where a save was cut, a reader takes the files as the
-// journal has them, and the next save finishes the work first.
+// A set is a group of files in a folder that a save replaces all together or not at all. A save writes and
+// syncs all new files under temporary names, then commits by renaming a journal, which lists the changes, to
+// its final name. Only then are the files themselves renamed. If a save is interrupted after the commit,
+// readers take the files that the journal lists, and the next save completes the renames first.
 
 /// A file of a set.
 struct SetFile {
@@ -21,27 +21,27 @@ struct SetFile {
     std::string content;
 };
 
-/// Where a file of a set is to be read.
+/// Where to read a file of a set.
 struct SetEntry {
     std::string name;  ///< of the file in the folder
-    /// The path of its content: that of the name, unless the save that made it was cut.
+    /// The path to read: that of `name`, or that of a temporary file if the save was interrupted.
     std::string path;
 };
 
-/// The files of a folder whose names have this ending, as the last save that was committed has left them, in
-/// the order of the file system. Folders, pipes and links to nothing are among them. Throws `FileError`.
+/// The files of a folder whose names have this ending, as of the last committed save, in file system order.
+/// Includes folders, pipes and dangling links with such names. Throws `FileError`.
 KES_API std::vector<SetEntry> ListSet(const std::string& folder, std::string_view ending);
-/// The content of a file that `ListSet` gave. Throws `FileError`.
+/// The content of a file that `ListSet` returned. Throws `FileError`.
 KES_API std::string ReadSetFile(const std::string& folder, const SetEntry& entry);
 
-/// What a save makes of a folder.
+/// The changes that a save makes to a folder.
 struct SetChange {
-    std::vector<SetFile> files;        ///< new or in place of what has the name
-    std::vector<std::string> removed;  ///< names of files that go
+    std::vector<SetFile> files;        ///< created, or replacing the files of these names
+    std::vector<std::string> removed;  ///< names of the files to remove
 };
 
-/// The lock of a folder for a save, with what was left of an earlier one put in order. The folder is made
-/// where it is missing, and goes with the object when nothing was committed. Throws `FileError`.
+/// Locks a folder for a save and completes or cleans up after an interrupted earlier one. The folder is
+/// created if it is missing, and removed with the object if nothing was committed. Throws `FileError`.
 class KES_API SetWriter {
 public:
     explicit SetWriter(const std::string& folder);
@@ -49,8 +49,8 @@ public:
     SetWriter& operator=(const SetWriter&) = delete;
     ~SetWriter();
 
-    /// Makes the change as a whole. Gives notes as `ReplaceFile` does. Throws `FileError`; the folder is then
-    /// as it was, unless the text says otherwise.
+    /// Makes all changes or none. Returns notes as `ReplaceFile` does. Throws `FileError`; the folder is then
+    /// unchanged unless the message says otherwise.
     std::vector<std::string> Commit(const SetChange& change);
 
 private:

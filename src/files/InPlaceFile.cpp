@@ -15,6 +15,7 @@ struct InPlaceFile::State {
 };
 
 InPlaceFile::InPlaceFile(const std::string& path, LockMode access) {
+    // Locked before it is opened, so that the opened file is the one that was locked.
     const FileLock lock(path, access);
     OpenFile file(path, access == LockMode::EXCLUSIVE ? OpenFor::UPDATING : OpenFor::READING);
     const FileStatus status = file.Status();

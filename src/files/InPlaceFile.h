@@ -11,8 +11,8 @@
 
 namespace VemoKesConfigTools::files {
 
-/// A file of fixed size that is written in place, as a memory chip is. Readers share it, a writer has it
-/// alone. Every failure throws `FileError`.
+/// A file of fixed size that is written in place, like a memory chip. Readers share it, a writer has
+/// exclusive access. Every failure throws `FileError`.
 class KES_API InPlaceFile {
 public:
     /// Opens a regular file or block device and locks it.
@@ -23,11 +23,10 @@ public:
 
     /// In bytes.
     std::uint64_t Size() const;
-    /// The bytes of a stretch that lies in the file.
+    /// The bytes of a range that lies within the file.
     std::string Read(std::uint64_t offset, std::uint64_t size) const;
     void Write(std::uint64_t offset, std::string_view bytes);
-    /// Returns once all that was written since the last call lies on the device, and has read back as it was
-    /// written.
+    /// Flushes everything written since the last call to the device, then reads it back and compares.
     void Sync();
 
 private:

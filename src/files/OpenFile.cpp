@@ -33,7 +33,8 @@ std::string OpenFile::ReadAll() const {
     constexpr std::size_t BLOCK = 65536;
     const FileStatus status = Status();
     const bool isRegular = status.kind == FileKind::REGULAR;
-    // One more than there should be, so that the end is seen without another call.
+    // One byte more than the size, so that the end of the file is seen without resizing. A file that grows
+    // while it is read is still read to its end.
     std::string bytes(isRegular ? static_cast<std::size_t>(status.size) + 1 : BLOCK, '\0');
     std::size_t size = 0;
     for (;;) {
@@ -65,6 +66,7 @@ std::string OpenFile::Read(std::uint64_t offset, std::size_t size) const {
         const std::int64_t came = Uninterrupted(
             [&] { return Disk().ReadAt(mHandle, offset + done, bytes.data() + done, size - done); });
         if (came < 0) throw FileError(FileAction::READ, mPath, static_cast<int>(-came));
+        // The size was checked before, so the file has been truncated since.
         if (came == 0) throw FileError(FileAction::READ, mPath, "the file ends too early");
         done += static_cast<std::size_t>(came);
     }
@@ -94,13 +96,15 @@ void OpenFile::WriteNext(std::string_view bytes) const {
 
 void OpenFile::Sync() const {
     const int failed = Uninterrupted([&] { return Disk().Sync(mHandle); });
+    // EINVAL, ENOTSUP and EROFS: this kind of file has no sync. Anything else, above all EIO and ENOSPC,
+    // means that data may be lost.
     if (failed == 0 || failed == -EINVAL || failed == -ENOTSUP || failed == -EROFS) return;
     throw FileError(FileAction::WRITE, mPath, -failed);
 }
 
 void OpenFile::Close() {
     const int failed = Disk().Close(std::exchange(mHandle, -1));
-    // An interrupted close has closed all the same.
+    // After EINTR the descriptor is closed nevertheless; closing it again could hit another file.
     if (failed < 0 && failed != -EINTR) throw FileError(FileAction::WRITE, mPath, -failed);
 }
 
@@ -108,7 +112,7 @@ void SyncFolder(const std::string& path) { OpenFile(path, OpenFor::READING).Sync
 
 namespace {
 
-/// "a/b/" is "a/b", but "/" stays.
+/// Turns "a/b/" into "a/b"; "/" stays.
 std::string_view WithoutLastSlashes(std::string_view path) {
     while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
     return path;

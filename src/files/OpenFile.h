@@ -12,8 +12,8 @@
 
 namespace VemoKesConfigTools::files {
 
-/// An open file, closed with the object. Interrupted and short calls are continued, so that an operation does
-/// all that was asked or throws `FileError`.
+/// An open file, closed with the object. Interrupted and partial system calls are continued: an operation
+/// completes or throws `FileError`.
 class OpenFile {
 public:
     OpenFile(const std::string& path, OpenFor use);
@@ -26,19 +26,19 @@ public:
     const std::string& Path() const { return mPath; }
     int Handle() const { return mHandle; }
     FileStatus Status() const;
-    /// All bytes to the end. Fails when a regular file ends before the size that it has.
+    /// All bytes to the end. Fails if a regular file ends before its size.
     std::string ReadAll() const;
-    /// The first bytes, fewer when the file is shorter.
+    /// The first `size` bytes, or all of them if the file is shorter.
     std::string ReadStart(std::size_t size) const;
-    /// The bytes of a stretch that lies in the file.
+    /// The bytes of a range that lies within the file.
     std::string Read(std::uint64_t offset, std::size_t size) const;
     void Write(std::uint64_t offset, std::string_view bytes) const;
-    /// Writes where the file stands: to a pipe, terminal or other device.
+    /// Writes at the current position: to a pipe, terminal or other device.
     void WriteNext(std::string_view bytes) const;
-    /// Returns once all that was written lies on the disk. A file that has nothing to bring there, such as
-    /// the node of a chip, is in order.
+    /// Flushes all written data to the disk. Succeeds for a file that does not support this, such as the
+    /// device node of a chip.
     void Sync() const;
-    /// Closes it now; a failure to do so is an error of writing.
+    /// Closes the file now; a failure is reported as a write error.
     void Close();
 
 private:
@@ -46,7 +46,7 @@ private:
     int mHandle;
 };
 
-/// Calls the disk again while the call is interrupted.
+/// Repeats a call of the disk for as long as it is interrupted by signals.
 template <typename Call>
 auto Uninterrupted(Call call) {
     for (;;) {
@@ -55,9 +55,9 @@ auto Uninterrupted(Call call) {
     }
 }
 
-/// Brings the names in a folder to the disk, where the file system offers that.
+/// Flushes the entries of a folder to the disk, if the file system supports that.
 void SyncFolder(const std::string& path);
-/// The folder that a name lies in.
+/// The folder that contains the path's last component.
 std::string FolderOf(const std::string& path);
 std::string NameOf(const std::string& path);
 

@@ -40,6 +40,7 @@ private:
 
     void Flush() {
         const std::string_view bytes(pbase(), static_cast<std::size_t>(pptr() - pbase()));
+        // The buffer is emptied even if the write fails: a later flush must not write part of it twice.
         setp(mBytes.data(), mBytes.data() + mBytes.size());
         mFile.WriteNext(bytes);
     }

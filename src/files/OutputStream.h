@@ -8,15 +8,15 @@
 
 namespace VemoKesConfigTools::files {
 
-/// A file that is written from its start as it comes, without the care of `ReplaceFile`: what was there is
-/// gone once it is open. A failure sets the stream's bad state.
+/// A file that is overwritten directly, without the guarantees of `ReplaceFile`: the old content is lost as
+/// soon as it is opened. A failure sets the stream's `badbit`.
 class KES_API OutputStream : public std::ostream {
 public:
-    /// Fails, with the bad state set, when the file cannot be opened.
+    /// Sets `badbit` if the file cannot be opened.
     explicit OutputStream(const std::string& path);
     ~OutputStream() override;
 
-    /// Writes what is left in the buffer and closes the file. Gives whether all was written.
+    /// Flushes the buffer and closes the file. Returns whether everything was written.
     bool Close();
 
 private:

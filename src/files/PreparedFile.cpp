@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view ACCESS_LIST = "system.posix_acl_access";
 
-/// Refuses what a rename would not replace as its user means it.
+/// Throws if replacing the target by a rename would not do what the user expects.
 std::optional<FileStatus> CheckTarget(const std::string& path, bool force) {
     constexpr std::uint32_t OWNER_WRITES = 0200;
     const std::optional<FileStatus> old = Look(path);
@@ -29,7 +29,7 @@ std::optional<FileStatus> CheckTarget(const std::string& path, bool force) {
     return old;
 }
 
-/// Gives the group no more than everybody has.
+/// Limits the rights of the group to those of all other users.
 std::uint32_t WithoutGroup(std::uint32_t mode) {
     constexpr std::uint32_t NOT_GROUP = 07707;
     constexpr int GROUP_SHIFT = 3;
@@ -37,8 +37,8 @@ std::uint32_t WithoutGroup(std::uint32_t mode) {
     return (mode & NOT_GROUP) | (mode & ((mode & EVERYBODY) << GROUP_SHIFT));
 }
 
-/// Gives a new file the access of the old one. A step that the system refuses narrows it: a group or list
-/// that is not the old one must not get what that had.
+/// Gives a new file the access rights of the old one. Where the system refuses a step, the rights are
+/// narrowed: a different group, or one without its access list, must not get the rights of the old one.
 void KeepAccess(const OpenFile& file, const FileStatus& old, const std::string& path,
                 std::vector<std::string>& notes) {
     constexpr std::uint32_t SET_IDS = 06000;
@@ -46,8 +46,10 @@ void KeepAccess(const OpenFile& file, const FileStatus& old, const std::string& 
     std::uint32_t mode = old.mode;
     const FileStatus now = file.Status();
     if (now.owner != old.owner || now.group != old.group) {
+        // Only a privileged process may give a file away; a group of which the user is a member may be set
+        // without that, so it is tried alone.
         if (Disk().SetOwner(file.Handle(), old.owner, old.group) < 0) {
-            mode &= ~SET_IDS;
+            mode &= ~SET_IDS;  // they would now act for another user
             notes.push_back(path + ": the owner could not be kept");
             if (now.group != old.group && Disk().SetOwner(file.Handle(), SAME, old.group) < 0) {
                 mode = WithoutGroup(mode);
@@ -57,7 +59,7 @@ void KeepAccess(const OpenFile& file, const FileStatus& old, const std::string& 
     }
     std::vector<std::pair<std::string, std::string>> attributes;
     {
-        // Those of the old file: they are looked at once it is clear that there is one.
+        // Read from the old file, which is still in place under this path.
         try {
             const OpenFile before(path, OpenFor::READING);
             if (Disk().Attributes(before.Handle(), attributes) < 0) attributes.clear();
@@ -65,7 +67,7 @@ void KeepAccess(const OpenFile& file, const FileStatus& old, const std::string& 
             notes.push_back(path + ": the extended attributes could not be read");
         }
     }
-    // A list comes before the mode, whose group bits are its mask.
+    // Access lists are set before the mode: with a list, the group bits of the mode are its mask.
     for (const auto& [name, value] : attributes) {
         if (Disk().SetAttribute(file.Handle(), name, value) == 0) continue;
         notes.emplace_back(path)
@@ -90,11 +92,13 @@ PreparedFile::PreparedFile(const std::string& target, std::string_view mark, std
         } else {
             Disk().SetMode(file.Handle(), mTemporary.SharedMode());
         }
+        // Synced before the caller renames it: otherwise a power cut could leave the new name on empty
+        // content.
         file.Sync();
         if (file.Status().size != content.size() || file.ReadAll() != content)
             throw FileError(FileAction::WRITE, target, "it does not read back as it was written");
     } catch (const FileError& error) {
-        // What the user knows is the file that was to be written.
+        // Name the target: the user does not know the temporary file.
         throw FileError(FileAction::WRITE, target, error.Cause());
     }
 }

@@ -8,19 +8,19 @@
 
 namespace VemoKesConfigTools::files {
 
-/// A file that is complete, on the disk and has read back, under a temporary name beside the one that it is
-/// for. It has the access of the file that it is to replace.
+/// A file that has been written, synced and verified by reading back, under a temporary name in the folder of
+/// its target. It has the access rights of the file that it will replace.
 class PreparedFile {
 public:
-    /// `target` is no link. `notes` gets what could not be kept of the old file.
+    /// `target` must not be a link. Appends to `notes` what could not be kept of the old file.
     PreparedFile(const std::string& target, std::string_view mark, std::string_view content, bool force,
                  std::vector<std::string>& notes);
 
     const std::string& Target() const { return mTarget; }
     const std::string& TemporaryPath() const { return mTemporary.Path(); }
-    /// Gives it its name; the folder is still to be synced. Gives the file, open and locked.
+    /// Renames it to the target; the caller syncs the folder. Returns the file, open and locked.
     OpenFile Rename();
-    /// Leaves it under its temporary name, for somebody else to rename.
+    /// Leaves it under its temporary name, for the caller to rename. Returns the file, open and locked.
     OpenFile Keep() { return mTemporary.Keep(); }
 
 private:

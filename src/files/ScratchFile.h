@@ -10,8 +10,9 @@ namespace VemoKesConfigTools::files {
 
 class TemporaryFile;
 
-/// A file of this content in the folder for temporary files, under a name that nobody can guess and for the
-/// user alone; gone with the object, or with a signal that ends the process. For what needs a path.
+/// A file with the given content in the folder for temporary files, with an unpredictable name and accessible
+/// to the user only. It is removed with the object, or by a signal that ends the process. For interfaces that
+/// take a path.
 class KES_API ScratchFile {
 public:
     /// Throws `FileError`.

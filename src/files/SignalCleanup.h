@@ -7,15 +7,16 @@
 
 namespace VemoKesConfigTools::files {
 
-/// From now on SIGINT, SIGTERM and SIGHUP remove the temporary files of the process before they end it. For
-/// programs: a library leaves signals to its host.
+/// Makes SIGINT, SIGTERM and SIGHUP remove the temporary files of the process before they end it. Called by
+/// programs only: a library leaves signals to its host.
 KES_API void RemoveTemporariesOnSignals();
 
-/// A file that these signals are to remove.
+/// Registers a file for removal by these signals.
 void AddForCleanup(const std::string& path);
 void RemoveFromCleanup(const std::string& path);
 
-/// Holds these signals back for as long as it lives, so that a file cannot be made and stay unknown.
+/// Blocks these signals during its lifetime, so that none arrives between the creation of a file and its
+/// registration.
 class SignalsHeld {
 public:
     SignalsHeld();

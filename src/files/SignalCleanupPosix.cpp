@@ -12,7 +12,8 @@ namespace {
 
 constexpr int SIGNALS[] = {SIGINT, SIGTERM, SIGHUP};
 
-/// The files to remove, as a list that a signal handler can walk: it changes only while the signals are held.
+/// The files to remove, as a list that a signal handler can walk: it is changed only while the signals are
+/// blocked.
 struct Node {
     std::string path;
     std::unique_ptr<Node> next;
@@ -24,17 +25,18 @@ struct Cleanup {
 };
 
 Cleanup& Files() {
-    // Never destroyed: a signal may come at any time.
+    // Never destroyed: a signal may arrive at any time, also during exit.
     static Cleanup& files = *new Cleanup;
     return files;
 }
 
-Node* gpFirst = nullptr;  // what the handler sees
+// The handler's view of the list. A handler may neither take the mutex nor initialise a local static.
+Node* gpFirst = nullptr;
 
 extern "C" void RemoveAndEnd(int signal) {
     for (const Node* node = gpFirst; node != nullptr; node = node->next.get())
         static_cast<void>(unlink(node->path.c_str()));
-    // The default action is in place again.
+    // SA_RESETHAND has restored the default action, so this ends the process.
     raise(signal);
 }
 
@@ -80,7 +82,7 @@ void RemoveTemporariesOnSignals() {
     sigemptyset(&action.sa_mask);
     for (const int signal : SIGNALS) {
         struct sigaction before {};
-        // What the caller has chosen to ignore, as nohup does, stays ignored.
+        // A signal that the parent has set to be ignored, as nohup does, stays ignored.
         if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler == SIG_IGN) continue;
         sigaction(signal, &action, nullptr);
     }

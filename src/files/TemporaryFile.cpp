@@ -15,7 +15,7 @@ constexpr std::size_t WORD_SIZE = 8;  // of `IDisk::RandomWord`
 constexpr std::size_t LONGEST_NAME = 255;
 constexpr std::uint32_t PRIVATE = 0600;
 
-/// What the name of a temporary file begins with. A long name loses its end, so that there is room.
+/// The start of a temporary file's name. A long file name is truncated to make room for the rest.
 std::string StartFor(std::string_view name, std::string_view mark) {
     const std::size_t room = LONGEST_NAME - WORD_SIZE - mark.size() - 1;
     return "." + std::string(name.substr(0, room)) + std::string(mark);
@@ -40,12 +40,14 @@ TemporaryFile::TemporaryFile(const std::string& path, std::string_view mark, boo
             AddForCleanup(mPath);
         } catch (const FileError& error) {
             if (error.Number() == EEXIST && tries < MOST_TRIES) continue;
-            // What the user knows is the file that was to be written.
+            // Name the target: the user does not know the temporary file.
             throw FileError(FileAction::WRITE, path, error.Number());
         }
     }
     static_cast<void>(Disk().TryLock(mFile->Handle(), LockMode::EXCLUSIVE));
     if (!isShared) return;
+    // The umask cannot be read without changing it for the whole process, so the mode that the system gave
+    // the file tells it. The file has no content yet while it is shared.
     mSharedMode = mFile->Status().mode;
     Disk().SetMode(mFile->Handle(), PRIVATE);
 }
@@ -69,7 +71,7 @@ bool IsTemporaryFor(std::string_view temporary, std::string_view name, std::stri
 
 void ClearTemporaries(const std::string& folder, std::string_view name, std::string_view mark) {
     std::vector<std::string> names;
-    // What cannot be listed is not cleared; whether it can be written will show.
+    // Not an error here: if the folder is unusable, the write that follows reports it.
     if (Disk().List(folder, names) < 0) return;
     for (const std::string& found : names) {
         const std::size_t at = found.rfind(mark);
@@ -81,10 +83,11 @@ void ClearTemporaries(const std::string& folder, std::string_view name, std::str
         if (Disk().StatusOf(path, /*follow=*/false, status) < 0 || status.kind != FileKind::REGULAR) continue;
         try {
             const OpenFile left(path, OpenFor::READING);
+            // A lock that can be taken shows that the process which made the file has ended.
             const int busy = Disk().TryLock(left.Handle(), LockMode::EXCLUSIVE);
             if (busy != -EWOULDBLOCK) Disk().Remove(path);
         } catch (const FileError&) {
-            // Somebody else's; it is in nobody's way.
+            // Another user's file; leaving it does no harm.
         }
     }
 }

@@ -9,9 +9,9 @@
 
 namespace VEMO::Kes::ConfigurationTools {
 
-/// A reference to a list or map of the host API: shared between all who hold it, and may be null. Walk over
-/// the reference itself, as in `for (const auto& chip : provider.GetChips())`: it then lives as long as the
-/// walk, and null is walked over like an empty one.
+/// A shared reference to a list or map of the host API; may be null. Iterate over the reference itself, as in
+/// `for (const auto& chip : provider.GetChips())`: the container then lives as long as the loop, and null
+/// iterates like an empty container.
 template <typename Container>
 class HostRef : public std::shared_ptr<Container> {
 public:
@@ -31,20 +31,20 @@ private:
 template <typename T>
 using HostListRef = HostRef<std::vector<T>>;
 
-/// A map of the host API: walks in the order of insertion and finds by key. A key can be added once, and only
-/// keys that are there can be asked for; both failures leave the map as it was.
+/// A map of the host API: iterates in insertion order and finds by key. Adding a key twice and asking for a
+/// missing key throw; both leave the map unchanged.
 template <typename Key, typename Value>
 class HostMap {
 public:
     using Entry = std::pair<Key, Value>;
     using const_iterator = typename std::vector<Entry>::const_iterator;
 
-    /// Throws `std::invalid_argument` when the key is there already.
+    /// Throws `std::invalid_argument` if the key already exists.
     void Add(Key key, Value value) {
-        // Keys mostly come in ascending order.
+        // Keys are mostly added in ascending order, for which the hint makes this constant time.
         const std::size_t before = mPositions.size();
         const auto position = mPositions.emplace_hint(mPositions.end(), key, mEntries.size());
-        if (mPositions.size() == before) throw std::invalid_argument("the map holds this key already");
+        if (mPositions.size() == before) throw std::invalid_argument("the map already contains this key");
         try {
             mEntries.emplace_back(std::move(key), std::move(value));
         } catch (...) {
@@ -52,13 +52,13 @@ public:
             throw;
         }
     }
-    /// Throws `std::out_of_range` when the key is not there.
+    /// Throws `std::out_of_range` if the key is missing.
     const Value& Item(const Key& key) const {
         const Value* value = Find(key);
-        if (value == nullptr) throw std::out_of_range("the map does not hold this key");
+        if (value == nullptr) throw std::out_of_range("the map does not contain this key");
         return *value;
     }
-    /// The value of a key, null when it is not there.
+    /// The value of a key; null if the key is missing.
     const Value* Find(const Key& key) const {
         const auto found = mPositions.find(key);
         return found == mPositions.end() ? nullptr : &mEntries[found->second].second;

@@ -15,8 +15,8 @@ namespace {
 
 constexpr char32_t REPLACEMENT = 0xFFFD;
 
-/// How many units at the front stand for themselves in both encodings, which nearly any text is made of: none
-/// of them is zero or above 0x7F. A word at a time.
+/// The number of leading code units that are the same in both encodings: none of them is zero or above 0x7F.
+/// Almost all text consists of these only, so they are counted a word at a time.
 template <typename View>
 std::size_t AsciiPrefix(View text) {
     using Unit = std::make_unsigned_t<typename View::value_type>;
@@ -27,7 +27,7 @@ std::size_t AsciiPrefix(View text) {
     for (; text.size() - count >= IN_WORD; count += IN_WORD) {
         std::uint64_t word = 0;
         std::memcpy(&word, text.data() + count, sizeof word);
-        // Taking one away borrows from the top bit of a zero.
+        // Subtracting 1 from each unit sets the top bit where the unit is zero.
         if (((word | (word - ONES)) & ~(ONES * 0x7F)) != 0) break;
     }
     while (count < text.size() && static_cast<Unit>(text[count]) - 1U < 0x7FU) ++count;

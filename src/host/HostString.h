@@ -12,8 +12,8 @@ namespace VEMO::Kes::ConfigurationTools {
 
 /// The text of the host API: 16-bit Unicode (UTF-16) that can be null. Null and empty differ.
 ///
-/// Made from and turned into UTF-8, the narrow encoding of the library. What is not valid in the one comes
-/// out as U+FFFD in the other, a lone surrogate too. A text ends at its first NUL.
+/// Converts from and to UTF-8, the narrow encoding of the library. Invalid sequences, including lone
+/// surrogates, become U+FFFD. A text ends at its first NUL.
 class KES_API HostString {
 public:
     /// Null.
@@ -26,11 +26,11 @@ public:
     explicit HostString(std::u16string text) : mText(std::move(text)) {}
 
     bool IsNull() const { return !mText.has_value(); }
-    /// Whether it is null or has no character.
+    /// Whether it is null or has no characters.
     bool IsNullOrEmpty() const { return !mText || mText->empty(); }
     /// The text in UTF-8 up to the first NUL; empty for null.
     std::string ToNarrow() const;
-    /// The units of the text; empty for null.
+    /// The UTF-16 code units of the text; empty for null.
     std::u16string_view Units() const { return mText ? std::u16string_view(*mText) : std::u16string_view(); }
 
     bool operator==(const HostString&) const = default;
@@ -40,7 +40,7 @@ private:
     std::optional<std::u16string> mText;
 };
 
-/// Writes UTF-8; null shows as nothing.
+/// Writes UTF-8; nothing for null.
 KES_API std::ostream& operator<<(std::ostream& stream, const HostString& text);
 
 }  // namespace VEMO::Kes::ConfigurationTools

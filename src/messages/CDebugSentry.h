@@ -9,8 +9,8 @@
 
 namespace VemoKesConfigTools {
 
-/// Traces entry and exit of the function on whose stack it lies. While debug is off it does nothing but note
-/// its arguments.
+/// Traces entry to and exit from the function in which it is a local variable. While debug is off, it only
+/// stores its arguments.
 class KES_API CDebugSentry {
 public:
     CDebugSentry(CMessageHandler* handler, std::uint32_t line, const char* file, const char* function)
@@ -26,10 +26,11 @@ public:
     virtual ~CDebugSentry() { CheckPrintExit(); }
 
 protected:
-    /// The exit trace. Slot order is contract: the destructor, then this.
+    /// Prints the exit trace. The order of virtual slots is fixed: the destructor, then this.
     virtual void PrintExit();
 
-    /// Prints the exit trace once. A derived class calls it in its own destructor, while it is still itself.
+    /// Prints the exit trace once. A derived class calls it in its own destructor: in that of the base class
+    /// its override of `PrintExit` is no longer reached.
     void CheckPrintExit() {
         if (mExitPrinted) return;
         mExitPrinted = true;

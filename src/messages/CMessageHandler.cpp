@@ -27,6 +27,7 @@ bool CMessageHandler::SetErrorMsg(std::int16_t number, const std::string& text) 
             ++store.errorsDropped;
         }
     }
+    // After the lock is released: observers may query the service.
     store.ForEachObserver([&](CMessageHandlerObserver& observer) { observer.OnError(number, text); });
     return true;
 }
@@ -103,6 +104,7 @@ void CMessageHandler::DebugOutputInHandler(std::uint32_t level, bool /*reserved*
                                            const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
+    // The first call determines the length; it consumes the arguments, hence the copy.
     std::va_list copy;
     va_copy(copy, arguments);
     const int length = std::vsnprintf(nullptr, 0, format, copy);

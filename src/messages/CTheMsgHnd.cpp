@@ -15,6 +15,7 @@ CTheMsgHnd& CTheMsgHnd::Instance() {
 
 CMessageHandler& CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GroupEnum group, const char* function,
                                                    bool traceEntry) {
+    // Handlers have no destructor, so they can still be used during process exit.
     static CMessageHandler api(CMessageHandler::GROUP_MANAGED_API);
     static CMessageHandler kesText(CMessageHandler::GROUP_KESTEXT);
     static CMessageHandler stringUtil(CMessageHandler::GROUP_STRINGUTIL);

@@ -10,35 +10,35 @@
 
 namespace VemoKesConfigTools {
 
-/// The one access point to the message service. Errors are kept until they are cleared; status reports,
-/// findings and trace lines go to the observers and nowhere else. May be used from any thread.
+/// The access point to the message service. Errors are stored until they are cleared; status reports,
+/// findings and trace lines only go to the observers. Thread-safe.
 class KES_API CTheMsgHnd {
 public:
     static CTheMsgHnd& Instance();
 
-    /// The handler of a group. With `traceEntry` the call itself is the trace of the function's entry.
+    /// The handler of a group. With `traceEntry` the call also traces the entry to `function`.
     static CMessageHandler& GetAppropriateHandler(CMessageHandler::GroupEnum group, const char* function,
                                                   bool traceEntry);
 
-    /// Whether debug lines are wanted. Costs one relaxed load.
+    /// Whether the debug trace is on. Costs one relaxed load.
     static bool DebugActivated() noexcept { return sDebugActivated.load(std::memory_order_relaxed); }
-    /// Switches the debug trace on or off. It goes to the observers.
+    /// Switches the debug trace, which goes to the observers, on or off.
     static void ActivateDebug(bool on) noexcept { sDebugActivated.store(on, std::memory_order_relaxed); }
 
-    /// How many errors were stored since the process began, cleared ones included. Two readings tell whether
-    /// an operation between them stored any.
+    /// The number of errors stored since the process started, including cleared ones. Comparing two readings
+    /// shows whether an operation in between stored any.
     static std::uint64_t ErrorsEver();
 
-    /// The texts of the stored errors, the newest last. Only the newest 1,000 are kept; `dropped` is how many
-    /// older ones there were since the last clearing.
+    /// The texts of the stored errors, newest last. Only the newest 1,000 are kept; `dropped` receives the
+    /// number of older ones discarded since the errors were last cleared.
     static std::vector<std::string> KeptErrors(std::uint64_t& dropped);
 
-    /// Adds an observer, not owned. An observer that is there already is not added again.
+    /// Adds an observer, not owned. Adding an observer again has no effect.
     static void AddObserver(CMessageHandlerObserver& observer);
-    /// Removes an observer, after which it is not called any more: a call that is running on another thread
-    /// is waited for. It may be called from within a call of the observer itself, which then goes on. Do not
-    /// hold a lock that an operation of the observer takes, and do not let two observers remove each other
-    /// from within their calls. Also works while the process ends.
+    /// Removes an observer. Waits for calls of it that are running on other threads; once this returns, it is
+    /// not called again. May be called from within an operation of the observer itself, which then continues
+    /// normally. To avoid deadlocks, do not hold a lock that an operation of the observer takes, and do not
+    /// let two observers remove each other from within their operations. May be called during process exit.
     static void RemoveObserver(CMessageHandlerObserver& observer);
 
     CTheMsgHnd(const CTheMsgHnd&) = delete;

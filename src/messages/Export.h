@@ -1,6 +1,6 @@
 #pragma once
 
-// KES_API marks what the shared library offers; all else stays hidden.
+// KES_API marks the symbols that the shared library exports; all others stay hidden.
 // KES_PRINTF lets the compiler check the arguments of a printf-like function.
 #if defined(_WIN32)
 #if defined(KES_BUILDING_LIBRARY)

@@ -9,6 +9,7 @@ MessageStore& MessageStore::Instance() {
 
 bool MessageStore::BeginCall(CMessageHandlerObserver* observer) {
     const std::lock_guard lock(mutex);
+    // Check and record under one lock: `Remove` either prevents this call or waits for it.
     if (std::ranges::find(observers, observer) == observers.end()) return false;
     calls.push_back({observer, std::this_thread::get_id()});
     return true;
@@ -27,7 +28,8 @@ void MessageStore::Remove(const CMessageHandlerObserver& observer) {
     const std::thread::id self = std::this_thread::get_id();
     std::unique_lock lock(mutex);
     std::erase(observers, &observer);
-    // Calls that remove the same observer do not wait for one another.
+    // Two operations that remove the same observer on two threads must not wait for each other: mark our own
+    // calls, and wake a removal that already waits for them.
     for (Call& call : calls) {
         if (call.observer == &observer && call.thread == self) call.removes = true;
     }

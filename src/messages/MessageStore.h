@@ -13,39 +13,40 @@
 
 namespace VemoKesConfigTools {
 
-/// What all handlers share. Private to the message service.
+/// The state shared by all handlers. Private to the message service.
 struct MessageStore {
     struct Error {
         std::int16_t number;
         std::string text;
         CMessageHandler::GroupEnum group;
     };
-    /// A call of an observer that is running.
+    /// A running call of an observer.
     struct Call {
         const CMessageHandlerObserver* observer;
         std::thread::id thread;
         bool removes = false;  ///< is itself waiting in `Remove` for the same observer
     };
 
-    /// How many errors are kept, the newest.
+    /// How many errors are kept; older ones are dropped.
     static constexpr std::size_t MOST_ERRORS = 1000;
 
-    /// Is never destroyed: objects that go at the end of the process may still report or remove observers.
+    /// Never destroyed: objects destroyed at process exit may still report or remove observers.
     static MessageStore& Instance();
 
     std::mutex mutex;
     std::deque<Error> errors;
-    std::uint64_t errorsDropped = 0;  ///< since the last clearing, those that are no longer kept
-    std::uint64_t errorsEver = 0;     ///< also those that were cleared
+    std::uint64_t errorsDropped = 0;  ///< beyond `MOST_ERRORS`, since the last clearing
+    std::uint64_t errorsEver = 0;     ///< including cleared ones
     std::string paragraph = "\n";
     std::vector<CMessageHandlerObserver*> observers;
     std::vector<Call> calls;
     std::condition_variable callEnded;
 
-    /// Takes the observer out. Then no call of it is running, but for those of this thread.
+    /// Removes the observer. On return no call of it is running, except on this thread.
     void Remove(const CMessageHandlerObserver& observer);
 
-    /// Calls `notify` on each observer, outside the lock, so that an observer may ask the service.
+    /// Calls `notify` on each observer, without holding the lock, so that an observer may query the service.
+    /// Works on a copy of the list, which observers may change in the meantime.
     template <typename Notify>
     void ForEachObserver(Notify notify) {
         std::vector<CMessageHandlerObserver*> current;
@@ -74,7 +75,7 @@ private:
         const CMessageHandlerObserver* mpObserver;
     };
 
-    /// Notes that a call begins; false when the observer has been removed meanwhile.
+    /// Records the start of a call. Returns false if the observer has been removed in the meantime.
     bool BeginCall(CMessageHandlerObserver* observer);
     void EndCall(const CMessageHandlerObserver* observer);
 };

@@ -32,12 +32,12 @@ public:
     std::uint16_t ChipId() const { return mChipId; }
     const HostString& RomName() const { return mRomName; }
     const HostString& RomVersion() const { return mRomVersion; }
-    /// The text that names the firmware system everywhere else.
+    /// The label by which all other operations refer to the firmware system.
     const HostString& SystemVersionLabel() const { return mSystemVersionLabel; }
     const HostString& SystemDescription() const { return mSystemDescription; }
     const HostString& SystemVersion() const { return mSystemVersion; }
     const HostString& BuildDate() const { return mBuildDate; }
-    /// An object of the host's own.
+    /// An object of the host; the library does not use it.
     const std::any& Tag() const { return mTag; }
     void Tag(std::any tag) { mTag = std::move(tag); }
 

@@ -40,7 +40,7 @@ enum DeviceNvsTypes : std::int32_t {
 /// What kind of key a record describes.
 enum class MetadataTypes : std::int32_t { Simple = 0, Enum = 1, Struct = 2, Unknown = 3 };
 
-/// The type of a simple key. The numbering differs from that of the payloads.
+/// The type of a simple key. The numbering differs from that of payload types.
 enum class SimpleElementTypes : std::int32_t {
     None = 0,
     Int8 = 1,

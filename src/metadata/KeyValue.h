@@ -11,7 +11,7 @@
 
 namespace VEMO::Kes::ConfigurationTools {
 
-/// One key of a configuration with its value, as a host sees it: a copy.
+/// One key of a configuration with its value, for the host: a copy.
 class KeyValue {
 public:
     using IndexList = std::vector<std::int32_t>;
@@ -33,17 +33,17 @@ public:
     std::int32_t StoreId() const { return mStore; }
     /// The key number.
     std::int32_t Psid() const { return mPsid; }
-    /// Null for a key that the metadata does not know.
+    /// Null for a key that is not in the metadata.
     const HostString& Name() const { return mName; }
     const IndexList& Indexes() const { return mIndexes; }
-    /// The value in one line, in a form that reads back; empty for a key without a value.
+    /// The value on one line, in a form that can be read again; empty for a key without a value.
     HostString Value() const { return mValue; }
-    /// The same in the bytes that a text has. Where these are no UTF-8, `Value` shows U+FFFD.
+    /// The value as the bytes of a text. Where they are not valid UTF-8, `Value` has U+FFFD.
     const std::string& ValueBytes() const { return mValue; }
-    /// The default in the same form; null for a key without one, and while none have been loaded.
+    /// The default value in the same form; null if the key has none or no defaults have been loaded.
     HostString Default() const { return mDefault ? HostString(*mDefault) : HostString(); }
     const std::optional<std::string>& DefaultBytes() const { return mDefault; }
-    /// Whether value and default are equal, byte for byte.
+    /// Whether value and default are identical bytes.
     bool IsDefault() const { return mDefault == mValue; }
 
 private:

@@ -73,7 +73,7 @@ AccessRights Metadata::GetAccessRights(std::string_view text) {
 SimpleElementTypes Metadata::GetSimpleType(std::string_view text) {
     using namespace VemoKesConfigTools;
     using enum SimpleElementTypes;
-    // The plain words differ: "int" has 32 bits, "integer" 64.
+    // Note the difference: "int" has 32 bits, "integer" 64.
     static constexpr NamedValue<SimpleElementTypes> TYPES[] = {
         {STR_UINT8, UInt8}, {STR_UINT16, UInt16}, {STR_UINT32, UInt32}, {STR_UINT64, UInt64},
         {STR_INT8, Int8},   {STR_INT16, Int16},   {STR_INT32, Int32},   {STR_INT, Int32},

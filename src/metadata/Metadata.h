@@ -16,8 +16,8 @@
 
 namespace VEMO::Kes::ConfigurationTools {
 
-/// What is known of one key or struct field, as a host sees it: a copy that outlives its provider. Texts that
-/// read "NULL" show as null.
+/// The metadata of one key or struct field, for the host: a copy that outlives its provider. Texts that read
+/// "NULL" are returned as null.
 class KES_API Metadata {
 public:
     static constexpr std::string_view STR_NULL = "NULL";
@@ -30,7 +30,7 @@ public:
              HostString descriptionInternal, HostString oid, HostString sourceReference, HostString units,
              std::uint32_t numIndexes);
 
-    /// The record's own number on the metadata side.
+    /// The record's number within the metadata.
     std::int32_t Uid() const { return mUid; }
     /// The key number in configurations, texts and devices.
     std::int32_t Psid() const { return mPsid; }
@@ -43,9 +43,9 @@ public:
     std::int32_t ArrayMinLength() const { return mArrayMinLength; }
     std::int32_t ArrayMaxLength() const { return mArrayMaxLength; }
     HostString Description() const { return NullRule(mDescription); }
-    /// Lowest value, or least length in octets of a string key.
+    /// Minimum value; for a string key minimum length in octets.
     std::int64_t Min() const { return mMinimum; }
-    /// Highest value, or greatest length in octets of a string key.
+    /// Maximum value; for a string key maximum length in octets.
     std::int64_t Max() const { return mMaximum; }
     MetadataTypes MetadataType() const { return mMetadataType; }
     HostString Format() const { return NullRule(mFormat); }
@@ -54,22 +54,22 @@ public:
     HostString SourceReference() const { return NullRule(mSourceReference); }
     HostString Units() const { return NullRule(mUnits); }
     std::uint32_t NumIndexes() const { return mNumIndexes; }
-    /// The indexes of the key in their order; null for a key without.
+    /// The indexes of the key, in order; null for a key without indexes.
     const TableIndexListRef& TableIndexes() const { return mTableIndexes; }
-    /// Null until someone has asked for them.
+    /// Null until `NetMetadataProvider::GetMetadataDetails` has been called for this record.
     const std::shared_ptr<MetadataDetails>& Details() const { return mDetails; }
     void SetDetails(std::shared_ptr<MetadataDetails> details) { mDetails = std::move(details); }
-    /// An object of the host's own.
+    /// An object of the host; the library does not use it.
     const std::any& Tag() const { return mTag; }
     void Tag(std::any tag) { mTag = std::move(tag); }
 
-    /// Inside the library only.
+    /// For use within the library only.
     void SetElementType(SimpleElementTypes type) { mSimpleType = type; }
-    /// Only for a record with indexes. Inside the library only.
+    /// Only for a record with indexes. For use within the library only.
     void AddTableIndex(std::shared_ptr<TableIndex> index) { mTableIndexes->push_back(std::move(index)); }
-    /// The access right of its name, `Unknown` for any other text.
+    /// The access right of this name; `Unknown` for any other text.
     static AccessRights GetAccessRights(std::string_view text);
-    /// The type of its name, `None` for any other text.
+    /// The type of this name; `None` for any other text.
     static SimpleElementTypes GetSimpleType(std::string_view text);
 
 private:

@@ -11,7 +11,7 @@
 
 namespace VEMO::Kes::ConfigurationTools {
 
-/// What an enum or struct key has beyond its simple fields.
+/// Details of an enum or struct key: its enumerators or fields.
 class MetadataDetails {
 public:
     using EnumMapRef = HostMapRef<HostString, std::int32_t>;
@@ -26,14 +26,14 @@ public:
 
     /// Name of the enum or struct type; empty for a simple key.
     const HostString& EnumStructTypeName() const { return mEnumStructType; }
-    /// The enumerators with their values in ascending order of the names; null when there are none.
+    /// The enumerators with their values, in ascending order of names; null if there are none.
     EnumMapRef Enums() const { return mEnums == nullptr || mEnums->Count() == 0 ? nullptr : mEnums; }
     void Enums(EnumMapRef enums) { mEnums = std::move(enums); }
-    /// The fields in the order of the value's text; null when there are none.
+    /// The fields, in the order of the value's text; null if there are none.
     FieldListRef StructFields() const { return mStructFields->empty() ? nullptr : mStructFields; }
 
-    /// The containers themselves, for filling; never null unless a host set a null map. Inside the library
-    /// only.
+    /// The containers themselves, for filling; never null unless a host set a null map. For use within the
+    /// library only.
     const EnumMapRef& GetEnums() const { return mEnums; }
     const FieldListRef& GetStructFields() const { return mStructFields; }
 

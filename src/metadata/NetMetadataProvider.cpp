@@ -43,6 +43,7 @@ NetMetadataProvider::NetMetadataProvider(const HostString& dbName) {
     CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_MANAGED_API, FUNCTION, true);
     mpProvider.reset(CMetadataProviderFactory::Ref().Create("sqlite", dbName.ToNarrow()));
     if (mpProvider) return;
+    // The plug-in may exist but have failed to load: report that first.
     PluginRegistry::Ref().ReportLeftOut();
     Handler(FUNCTION).SetErrorMsg(1, "sqlite metadata plugin not found.");
 }
@@ -67,6 +68,7 @@ NetMetadataProvider::MetadataMapRef NetMetadataProvider::GetMetadatas(const Host
     const auto& list = mpProvider->MetadataList(*mpContext, false);
     if (IsErrorSet(KES_API_FUNCTION("GetMetadatas"))) return nullptr;
     auto map = std::make_shared<HostMap<std::int32_t, std::shared_ptr<Metadata>>>();
+    // The list also has struct fields, which have no key number.
     for (const auto& [uid, metadata] : list) {
         if (metadata->IsValid() && metadata->Psid() != 0) map->Add(metadata->Uid(), Build(*metadata));
     }
@@ -98,6 +100,7 @@ std::shared_ptr<MetadataDetails> NetMetadataProvider::GetMetadataDetails(
     if (!metadata) return nullptr;
     if (metadata->Details()) return metadata->Details();
     if (!IsProviderValid()) return nullptr;
+    // Without an earlier listing the chip is unknown.
     if (!mpContext || !subsystem) return nullptr;
     mpContext->SetTag(STR_SUBSYSTEM_TYPE, subsystem->Type());
     const IMetadata& record =

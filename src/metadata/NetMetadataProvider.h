@@ -19,40 +19,40 @@ class IMetadataProvider;
 
 namespace VEMO::Kes::ConfigurationTools {
 
-/// The read-only view of a host on a metadata database: chips, their subsystems, their keys. Every listing
-/// builds new records, which belong to the host. Used from one thread at a time.
+/// Read-only access for a host to a metadata database: chips, their subsystems and keys. Every query builds
+/// new records, which belong to the host. Use it from one thread at a time.
 ///
-/// `system` and `chip` are the text that `Chip::SystemVersionLabel` shows. A null result of a key query means
-/// that the key is not there, or that an error is stored, whoever stored it: this class never clears any.
-/// Without the plug-in "sqlite" every query gives null and an error of number 1.
+/// `system` and `chip` are texts as returned by `Chip::SystemVersionLabel`. A null result of a key query
+/// means that the key does not exist or that an error is stored, which may be an older one: this class never
+/// clears errors. Without the plug-in "sqlite" every query returns null and stores an error of number 1.
 class KES_API NetMetadataProvider {
 public:
     using MetadataMapRef = HostMapRef<std::int32_t, std::shared_ptr<Metadata>>;
 
-    /// Opens the database of this name.
+    /// Opens the database with this file name.
     explicit NetMetadataProvider(const HostString& dbName);
     NetMetadataProvider(const NetMetadataProvider&) = delete;
     NetMetadataProvider& operator=(const NetMetadataProvider&) = delete;
     ~NetMetadataProvider();
 
-    /// The keys of one subsystem by uid; records without a number are left out. `firmwareVersion` is not
-    /// used.
+    /// The keys of one subsystem by uid; records without a key number are omitted. `firmwareVersion` is
+    /// unused.
     MetadataMapRef GetMetadatas(const HostString& system, const HostString& firmwareVersion,
                                 SubsystemTypes subsystemType);
     std::shared_ptr<Metadata> GetMetadataByPsid(const HostString& system, SubsystemTypes subsystemType,
                                                 std::int32_t psid);
     std::shared_ptr<Metadata> GetMetadataByName(const HostString& system, SubsystemTypes subsystemType,
                                                 const HostString& name);
-    /// The details of a key, complete to the bottom of nested structs. They are kept in the record. A
-    /// `GetMetadatas` or `GetSubsystems` must have come before, whose chip is used.
+    /// The details of a key, including all levels of nested structs. They are stored in the record. Uses the
+    /// chip of the preceding `GetMetadatas` or `GetSubsystems`, one of which must have been called.
     std::shared_ptr<MetadataDetails> GetMetadataDetails(const std::shared_ptr<Subsystem>& subsystem,
                                                         const std::shared_ptr<Metadata>& metadata);
     HostListRef<std::shared_ptr<Subsystem>> GetSubsystems(const HostString& chip);
-    /// All chips of the database. The chip of the last listing is forgotten.
+    /// All chips of the database. Resets the chip that `GetMetadataDetails` uses.
     HostListRef<std::shared_ptr<Chip>> GetChips();
-    /// Reads the database anew on the next question.
+    /// Makes the next query read the database again.
     void Refresh();
-    /// Releases the database. Later calls find the provider missing.
+    /// Releases the database. Later calls fail as if the plug-in were missing.
     void Dispose();
 
 private:
@@ -64,7 +64,8 @@ private:
                                                  const VemoKesConfigTools::IMetadata& metadata);
 
     std::unique_ptr<VemoKesConfigTools::IMetadataProvider> mpProvider;
-    std::unique_ptr<VemoKesConfigTools::CKesContext> mpContext;  ///< of the last listing
+    /// Of the last `GetMetadatas` or `GetSubsystems`.
+    std::unique_ptr<VemoKesConfigTools::CKesContext> mpContext;
 };
 
 }  // namespace VEMO::Kes::ConfigurationTools

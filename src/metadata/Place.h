@@ -6,7 +6,7 @@
 
 namespace VEMO::Kes::ConfigurationTools {
 
-/// One place of a configuration, in which keys lie.
+/// One place of a configuration: a subsystem, device and store that holds keys.
 class Place {
 public:
     Place(SubsystemTypes subsystem, std::int32_t device, std::int32_t store, std::uint32_t keyCount)

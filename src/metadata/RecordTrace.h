@@ -4,7 +4,7 @@
 
 namespace VEMO::Kes::ConfigurationTools {
 
-/// The entry trace of a record's constructor. For the records only.
+/// Traces the entry to a record's constructor. Used by the record classes only.
 inline void TraceRecord(const char* constructor) {
     using VemoKesConfigTools::CMessageHandler;
     using VemoKesConfigTools::CTheMsgHnd;

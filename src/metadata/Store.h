@@ -9,7 +9,7 @@ namespace VEMO::Kes::ConfigurationTools {
 /// One store on a device.
 class Store {
 public:
-    /// The free size of a store that nobody knows.
+    /// Stands for an unknown free size.
     static constexpr std::int32_t INVALID_STORE_SIZE = -1;
 
     Store() : Store(0, 0, 0, INVALID_STORE_SIZE, false) {}
@@ -26,9 +26,9 @@ public:
     /// A value of `DeviceNvsTypes`.
     std::uint16_t DeviceId() const { return mDeviceId; }
     std::uint16_t StoreId() const { return mStoreId; }
-    /// In bytes; all bits are set when nobody knows it.
+    /// In bytes; all bits set if unknown.
     std::uint32_t StoreSize() const { return mStoreSize; }
-    /// In bytes, or `INVALID_STORE_SIZE`.
+    /// In bytes; `INVALID_STORE_SIZE` if unknown.
     std::int32_t StoreFreeSize() const { return mStoreFreeSize; }
     bool Paired() const { return mPaired; }
 

@@ -20,7 +20,7 @@ public:
 
     /// The field's own record.
     const std::shared_ptr<Metadata>& MetaData() const { return mData; }
-    /// Position of the field's lowest bit in the struct.
+    /// Position of the field's least significant bit in the struct.
     std::int32_t ElemLsbBitPos() const { return mElemLsbBitPos; }
     /// Width in bits.
     std::int32_t ElemBitWidth() const { return mElemBitWidth; }

@@ -14,7 +14,7 @@ class KES_API Subsystem {
 public:
     /// Empty texts and the type -1.
     Subsystem();
-    /// The type comes from the name, in upper or lower case; a name that is none leaves it at -1.
+    /// The type is derived from the name, ignoring case; -1 for an unknown name.
     Subsystem(HostString name, HostString version, HostString alias, HostString layer, HostString variant,
               HostString description, HostString buildDate);
 
@@ -26,11 +26,11 @@ public:
     const HostString& Description() const { return mDescription; }
     const HostString& BuildDate() const { return mBuildDate; }
     SubsystemTypes Type() const { return mType; }
-    /// An object of the host's own.
+    /// An object of the host; the library does not use it.
     const std::any& Tag() const { return mTag; }
     void Tag(std::any tag) { mTag = std::move(tag); }
 
-    /// The name of a subsystem type, empty for a number that is none.
+    /// The name of a subsystem type; empty for an unknown number.
     static HostString NameOf(SubsystemTypes type);
 
 private:

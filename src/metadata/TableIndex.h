@@ -9,7 +9,7 @@
 
 namespace VEMO::Kes::ConfigurationTools {
 
-/// One index of an indexed key. A copy of what the metadata says; owned by whoever holds it.
+/// One index of an indexed key: a copy of the metadata, owned by its holder.
 class TableIndex {
 public:
     enum IndexTypeEnum : std::int32_t { INDEX_TYPE_INT = 0, INDEX_TYPE_ENUM = 1 };
@@ -23,12 +23,12 @@ public:
     std::uint32_t Min() const { return mMinimum; }
     std::uint32_t Max() const { return mMaximum; }
     IndexTypeEnum Type() const { return mType; }
-    /// The values that have a name; empty for an integer index.
+    /// The named values; empty for an integer index.
     const HostMap<HostString, std::uint32_t>& Enums() const { return mEnums; }
 
-    /// Throws `std::invalid_argument` for a label that is there already.
+    /// Throws `std::invalid_argument` if the label already exists.
     void AddEnum(const HostString& label, std::uint32_t value) { mEnums.Add(label, value); }
-    /// Throws `std::out_of_range` for a label that is not there.
+    /// Throws `std::out_of_range` if the label does not exist.
     std::uint32_t EnumValue(const HostString& label) const { return mEnums.Item(label); }
     std::uint32_t EnumCount() const { return static_cast<std::uint32_t>(mEnums.Count()); }
 

@@ -7,7 +7,7 @@ namespace {
 
 using View = std::string_view;
 
-/// Writes systems into an empty database, each statement prepared once.
+/// Writes systems to an empty database. Each statement is prepared only once.
 class Writer {
 public:
     explicit Writer(Sqlite& database) : mDatabase(database) {}
@@ -113,6 +113,7 @@ std::string SerializeDatabase(const std::vector<SystemData>& systems) {
     database.Execute(("PRAGMA user_version = " + std::to_string(SCHEMA_VERSION)).c_str());
     Writer writer(database);
     for (const SystemData& system : systems) writer.Add(system);
+    // The digest is computed from the rows as a reader will get them.
     database.Prepare("INSERT INTO head VALUES (1, ?)")
         .Bind(std::int64_t{ReadHeadTables(database).digest})
         .Run();

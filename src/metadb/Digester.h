@@ -11,8 +11,8 @@
 
 namespace VemoKesConfigTools::metadb {
 
-/// Feeds records to a CRC-32, many at once, since most of what they hold is short. Each text has its length
-/// in front, so that no two lists read alike.
+/// Computes a CRC-32 over records. The input is buffered, since most of the values are short. Each text is
+/// preceded by its length, so that different lists never give the same input.
 class Digester {
 public:
     void Add(std::string_view text) {

@@ -38,7 +38,7 @@ HeadTables ReadHeadTables(Sqlite& database) {
     while (subsystems.Step()) {
         AddRow(subsystems, digest);
         const auto place = places.find(subsystems.Number(1));
-        // The digest tells of a row that belongs to no system.
+        // A row that belongs to no system is damage, which the digest reveals.
         if (place == places.end()) continue;
         SystemData& system = head.systems[place->second];
         const SubsystemData& header = system.subsystems.emplace_back(SubsystemData{subsystems.Text(3),

@@ -11,7 +11,7 @@
 
 namespace VemoKesConfigTools::metadb {
 
-/// The tables `system` and `subsystem`, which are read whole when a database is opened.
+/// The contents of the tables `system` and `subsystem`, which are read completely when a database is opened.
 struct HeadTables {
     struct SubsystemRow {
         SubsystemData header;
@@ -19,9 +19,9 @@ struct HeadTables {
         std::int64_t digest;
     };
 
-    std::vector<SystemData> systems;  ///< in the order of the source; their subsystems without types and keys
+    std::vector<SystemData> systems;  ///< in source order; their subsystems without types and keys
     std::map<std::pair<std::string, std::string>, SubsystemRow> subsystems;  ///< by label and name
-    std::uint32_t digest;                                                    ///< over all that the rows hold
+    std::uint32_t digest;                                                    ///< over the content of all rows
 };
 
 HeadTables ReadHeadTables(Sqlite& database);

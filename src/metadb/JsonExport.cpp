@@ -9,7 +9,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// On one line, whatever its bytes.
+/// The value on one line. Invalid UTF-8, on which `dump` would throw, is replaced.
 std::string Line(const Json& value) { return value.dump(-1, ' ', false, Json::error_handler_t::replace); }
 
 void AddText(Json& object, const char* name, const std::string& text) {
@@ -22,7 +22,7 @@ Json Values(const NamedValues& values) {
     return object;
 }
 
-/// What records have in common, but for what stands in front.
+/// Adds the members that keys and fields have in common.
 void AddRecord(Json& object, const RecordData& record) {
     object["uid"] = record.uid;
     object["name"] = record.name;
@@ -68,7 +68,7 @@ Json Key(const KeyData& key) {
     return object;
 }
 
-/// Lays the text out: one record a line, so that a change of one record is a change of one line.
+/// Formats the text with one record per line, so that changing a record changes one line.
 class Layout {
 public:
     void Open(const std::string& head, char bracket) {

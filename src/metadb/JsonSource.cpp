@@ -30,7 +30,7 @@ struct IntegerType {
     std::string_view name;
     std::int64_t min;
     std::int64_t max;
-    std::int32_t width;  ///< 0 where the record has to tell it
+    std::int32_t width;  ///< in bits; 0 if the record must give it
 };
 constexpr IntegerType INTEGER_TYPES[] = {
     {STR_UINT8, 0, 0xFF, 8},
@@ -52,8 +52,8 @@ std::string ListOf(const auto& words) {
     return list;
 }
 
-/// Whether a default value is one line to the text reader: no line end, no comment outside quotes, and no
-/// backslash that would join the next line.
+/// Whether the text reader takes a default value as one line: it has no line end, no comment outside quotes
+/// and no trailing backslash, which would continue the line. Otherwise the default could not be loaded later.
 bool IsOneLogicalLine(std::string_view text) {
     bool quoted = false;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -91,7 +91,7 @@ public:
                                                            "\", must be one of " + ListOf(SUBSYSTEM_NAMES));
         }
         if (!std::ranges::all_of(mData.alias, [](char c) { return IsName({&c, 1}); })) {
-            mNodes.Fault(mObject.Find("alias")->offset, "an alias holds letters and \"_\" only");
+            mNodes.Fault(mObject.Find("alias")->offset, "an alias must consist of letters and \"_\"");
         }
         ReadTypeNames();
         if (const JsonNode* enums = mNodes.Optional(mObject, "enums", Kind::Object)) {
@@ -110,17 +110,17 @@ public:
     }
 
 private:
-    /// Names first, so that types may be used before they are told.
+    /// The names are read first, so that types may be used before they are defined.
     void ReadTypeNames() {
         for (const char* kind : {"enums", "structs"}) {
             const JsonNode* types = mObject.Find(kind);
             if (types == nullptr) continue;
             for (const JsonNode::Member& member : types->members) {
                 if (!IsName(member.name)) {
-                    mNodes.Fault(member.offset, "\"" + member.name + "\" is no name of a type");
+                    mNodes.Fault(member.offset, "invalid type name \"" + member.name + "\"");
                 } else if (FindIntegerType(member.name) != nullptr || member.name == STR_OCTET_STRING ||
                            !mTypes.emplace(member.name, &member).second) {
-                    mNodes.Fault(member.offset, "type \"" + member.name + "\" is there already");
+                    mNodes.Fault(member.offset, "type \"" + member.name + "\" already exists");
                 }
             }
         }
@@ -129,16 +129,18 @@ private:
     void ReadEnum(const JsonNode::Member& member) {
         if (!mNodes.Expect(member.value, Kind::Object, "an enumeration")) return;
         EnumType type{member.name, mNodes.Values(member.value, Int32::min())};
-        if (member.value.members.empty()) mNodes.Fault(member.value.offset, "an enumeration needs a value");
+        if (member.value.members.empty())
+            mNodes.Fault(member.value.offset, "an enumeration must have a value");
+        // The text reader ignores the case of enumerators.
         std::set<std::string> folded;
         for (const JsonNode::Member& enumerator : member.value.members) {
             std::string name = enumerator.name;
             std::ranges::transform(name, name.begin(), [](unsigned char c) { return std::tolower(c); });
             if (!IsName(enumerator.name, /*dash=*/true)) {
-                mNodes.Fault(enumerator.offset, "\"" + enumerator.name + "\" is no name of an enumerator");
+                mNodes.Fault(enumerator.offset, "invalid enumerator name \"" + enumerator.name + "\"");
             } else if (!folded.insert(std::move(name)).second) {
                 mNodes.Fault(enumerator.offset,
-                             "\"" + enumerator.name + "\" differs from another enumerator in case only");
+                             "\"" + enumerator.name + "\" differs from another enumerator only in case");
             }
         }
         mData.enums.push_back(std::move(type));
@@ -146,8 +148,10 @@ private:
 
     void ReadStruct(const JsonNode::Member& member) {
         if (!mNodes.Expect(member.value, Kind::Array, "a struct")) return;
-        if (member.value.items.empty()) mNodes.Fault(member.value.offset, "a struct needs a field");
+        if (member.value.items.empty()) mNodes.Fault(member.value.offset, "a struct must have a field");
         StructType type{member.name, {}};
+        // A field without "lsb" follows the previous one. The array length is capped, so that the position
+        // cannot overflow.
         std::int64_t next = 0;
         mNodes.EachObject(&member.value, "a field", [&](const JsonNode& node) {
             FieldData field;
@@ -155,7 +159,7 @@ private:
             const IntegerType* integer = FindIntegerType(field.type);
             const std::int32_t natural = integer != nullptr ? integer->width : 0;
             if (integer != nullptr && natural == 0 && node.Find("width") == nullptr) {
-                mNodes.Fault(node.offset, "a field of the type \"integer\" needs a \"width\"");
+                mNodes.Fault(node.offset, "a field of type \"integer\" must have a \"width\"");
             }
             field.width = static_cast<std::int32_t>(mNodes.Number(node, "width", 0, Int32::max(), natural));
             field.lsb = static_cast<std::int32_t>(
@@ -197,9 +201,8 @@ private:
         record.name = mNodes.RequiredText(node, "name");
         if (!record.name.empty() && !IsName(record.name)) {
             mNodes.Fault(node.Find("name")->offset,
-                         "\"" + record.name +
-                             "\" is no name: letters, digits and \"_\", and no digit "
-                             "in front");
+                         "invalid name \"" + record.name +
+                             "\", must be letters, digits and \"_\", not starting with a digit");
         }
         record.type = mNodes.RequiredText(node, "type");
         record.label = mNodes.Text(node, "label");
@@ -221,7 +224,7 @@ private:
         }
     }
 
-    /// Type, format and range, which hang together.
+    /// Type, format and range, which depend on each other.
     void ReadTypeOf(const JsonNode& node, RecordData& record) {
         std::int64_t min = 0;
         std::int64_t max = 0;
@@ -235,7 +238,7 @@ private:
         } else {
             record.format = mNodes.Text(node, "format");
             if (!record.format.empty()) {
-                mNodes.Fault(node.Find("format")->offset, "an enum or struct has no format");
+                mNodes.Fault(node.Find("format")->offset, "an enum or struct must not have a format");
             }
             if (!record.type.empty() && !mTypes.contains(record.type)) FaultUnknownType(node, record.type);
         }
@@ -248,7 +251,7 @@ private:
             if (given == nullptr || given->kind != Kind::Integer || !isInteger) continue;
             if (given->integer < min || given->integer > max) {
                 mNodes.Fault(given->offset,
-                             std::string("\"") + bound + "\" lies outside the type " + record.type);
+                             std::string("\"") + bound + "\" is outside the range of type " + record.type);
             }
         }
     }
@@ -263,8 +266,8 @@ private:
 
     void CheckOrder(const JsonNode& node, std::int64_t min, std::int64_t max) {
         if (min > max) {
-            mNodes.Fault(node.offset,
-                         "\"min\" " + std::to_string(min) + " is above \"max\" " + std::to_string(max));
+            mNodes.Fault(node.offset, "\"min\" " + std::to_string(min) + " is greater than \"max\" " +
+                                          std::to_string(max));
         }
     }
 
@@ -288,7 +291,7 @@ private:
             index.isEnum = true;
             index.values = mNodes.Values(*values, 0);
             if (index.values.empty()) {
-                mNodes.Fault(values->offset, "an enumerated index needs a value");
+                mNodes.Fault(values->offset, "an enumerated index must have a value");
             } else {
                 const auto [lowest, highest] =
                     std::ranges::minmax(index.values, {}, &NamedValues::value_type::second);
@@ -306,17 +309,18 @@ private:
         const JsonNode* one = mNodes.Optional(node, "default", Kind::String);
         const JsonNode* many = mNodes.Optional(node, "defaults", Kind::Object);
         if (one != nullptr && !key.indexes.empty()) {
-            mNodes.Fault(one->offset, "a key with indexes has \"defaults\", by index list");
+            mNodes.Fault(one->offset,
+                         "a key with indexes takes \"defaults\", with one member per index list");
         }
         if (many != nullptr && key.indexes.empty()) {
-            mNodes.Fault(many->offset, "a key without indexes has one \"default\"");
+            mNodes.Fault(many->offset, "a key without indexes takes \"default\"");
         }
         if (one != nullptr) AddDefault(key, {}, *one);
         if (many == nullptr) return;
         for (const JsonNode::Member& member : many->members) {
             if (!mNodes.Expect(member.value, Kind::String, "a default value")) continue;
             if (!IsIndexList(member.name, key.indexes.size())) {
-                mNodes.Fault(member.offset, "\"" + member.name + "\" is no list of " +
+                mNodes.Fault(member.offset, "\"" + member.name + "\" is not a list of " +
                                                 std::to_string(key.indexes.size()) + " indexes");
             }
             AddDefault(key, member.name, member.value);
@@ -325,9 +329,10 @@ private:
 
     void AddDefault(KeyData& key, std::string indexes, const JsonNode& value) {
         if (mData.name == STR_SUBSYSTEM_GNSS) {
-            mNodes.Fault(value.offset, "the text format has no subsystem gnss, so its keys have no default");
+            mNodes.Fault(value.offset,
+                         "the text format has no subsystem gnss, so its keys cannot have defaults");
         } else if (key.psid == 0) {
-            mNodes.Fault(value.offset, "a key without a number has no default");
+            mNodes.Fault(value.offset, "a key without a number cannot have a default");
         } else if (value.text.find_first_not_of(" \t") == std::string::npos) {
             mNodes.Fault(value.offset, "a default value must not be empty");
         } else if (!IsOneLogicalLine(value.text) || value.text.find('\0') != std::string::npos) {
@@ -336,7 +341,7 @@ private:
         key.defaults.push_back({std::move(indexes), value.text, mNodes.PlaceOf(value.offset)});
     }
 
-    /// Decimal numbers without leading zeros, so that one list is written in one way.
+    /// Accepts decimal numbers without leading zeros, so that each list has only one spelling.
     static bool IsIndexList(std::string_view text, std::size_t count) {
         for (;;) {
             const std::string_view number = text.substr(0, text.find('.'));
@@ -350,7 +355,7 @@ private:
         }
     }
 
-    /// Gives every record without a number the next that is free, in the order of the source.
+    /// Gives every record without a uid the next free one, in source order.
     void CountUids() {
         std::set<std::int32_t> used;
         for (const auto& [node, uid] : mRecords) {
@@ -395,8 +400,9 @@ private:
     std::map<std::string, const JsonNode::Member*, std::less<>> mTypes;
     std::set<std::string> mKeyNames;
     std::set<std::uint32_t> mPsids;
-    std::vector<const JsonNode*> mKeyNodes;                          ///< in the order of the keys
-    std::vector<std::pair<const JsonNode*, std::int32_t>> mRecords;  ///< with the uid that the source gives
+    std::vector<const JsonNode*> mKeyNodes;  ///< in the order of the keys
+    /// All records, with the uid given in the source; 0 for none.
+    std::vector<std::pair<const JsonNode*, std::int32_t>> mRecords;
 };
 
 void CheckSubsystemNames(SourceNodes& nodes, const JsonNode& list,
@@ -420,7 +426,7 @@ SystemData ReadSystem(SourceNodes& nodes, const JsonNode& object) {
     SystemData system;
     system.label = nodes.RequiredText(object, "label");
     if (system.label.find_first_of(" \t\r\n\v\f") != std::string::npos) {
-        nodes.Fault(object.Find("label")->offset, "a label holds no blanks");
+        nodes.Fault(object.Find("label")->offset, "a label must not contain whitespace");
     }
     system.description = nodes.Text(object, "description");
     system.version = nodes.Text(object, "version");
@@ -437,6 +443,7 @@ SystemData ReadSystem(SourceNodes& nodes, const JsonNode& object) {
         nodes.EachObject(list, "a subsystem", [&](const JsonNode& subsystem) {
             system.subsystems.push_back(SubsystemSource(nodes, subsystem).Read());
         });
+        // Items that are not objects were skipped: items and subsystems then no longer correspond.
         if (system.subsystems.size() == before) CheckSubsystemNames(nodes, *list, system.subsystems);
     }
     return system;

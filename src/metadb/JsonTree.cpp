@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t MAXIMUM_NESTING = 32;
 
-/// Counts what the parser has taken, which tells where each value ends.
+/// Counts the characters that the parser has consumed: the parser itself does not report positions of values.
 class CountingIterator {
 public:
     using iterator_category = std::input_iterator_tag;
@@ -91,13 +91,15 @@ public:
     }
 
     bool Fail(std::size_t offset, std::string text) {
+        // The parser may report errors that follow from the first one.
         if (!mFault) mFault = {offset, std::move(text)};
         return false;
     }
     const std::optional<std::pair<std::size_t, std::string>>& Fault() const { return mFault; }
 
 private:
-    /// Where the value or name begins that the parser has just read.
+    /// The start of the value or name that the parser has just read: the first character after the previous
+    /// one that is not a separator.
     std::size_t NextOffset() {
         const std::size_t offset = std::min(mText.find_first_not_of(" \t\r\n,:", mEnd), mText.size());
         mEnd = *mpTaken;
@@ -120,7 +122,7 @@ private:
     }
     bool Open(JsonNode::Kind kind) {
         JsonNode& node = Take(kind);
-        if (mOpen.size() == MAXIMUM_NESTING) return Fail(node.offset, "nested too deep");
+        if (mOpen.size() == MAXIMUM_NESTING) return Fail(node.offset, "nested too deeply");
         mOpen.push_back(&node);
         mNames.emplace_back();
         return true;
@@ -135,9 +137,11 @@ private:
     std::string_view mText;
     JsonNode& mRoot;
     const std::size_t* mpTaken;
-    std::size_t mEnd = 0;  ///< behind the last value
+    std::size_t mEnd = 0;  ///< of the last value
+    /// The open arrays and objects. The pointers stay valid: a list only grows while none of its items is
+    /// open.
     std::vector<JsonNode*> mOpen;
-    std::vector<std::set<std::string>> mNames;
+    std::vector<std::set<std::string>> mNames;  ///< of the members of each, to find duplicates
     std::optional<std::pair<std::size_t, std::string>> mFault;
 };
 
@@ -154,7 +158,7 @@ bool ParseJson(std::string_view text, JsonNode& root, std::size_t& faultOffset, 
     const CountingIterator begin(text.data(), &taken);
     const CountingIterator end(text.data() + text.size(), &taken);
     if (nlohmann::json::sax_parse(begin, end, &builder)) return true;
-    std::tie(faultOffset, fault) = builder.Fault().value_or(std::pair(std::size_t{0}, "not a JSON text"));
+    std::tie(faultOffset, fault) = builder.Fault().value_or(std::pair(std::size_t{0}, "invalid JSON"));
     return false;
 }
 

@@ -8,7 +8,7 @@ namespace VemoKesConfigTools::metadb {
 
 namespace {
 
-/// Reads the columns of `KES_RECORD_COLUMNS`, which stand from `column` on.
+/// Reads the columns of `KES_RECORD_COLUMNS`, starting at `column`.
 void ReadRecord(const SqliteStatement& row, int column, RecordData& record) {
     record.uid = row.Number32(column++);
     for (std::string* text : {&record.name, &record.type, &record.label, &record.description,
@@ -37,7 +37,7 @@ MetadataDatabase::MetadataDatabase(const std::string& path) : mDatabase(path) {
     if (version != SCHEMA_VERSION) {
         throw DatabaseError(path + ": its tables have version " + std::to_string(version) +
                             ", this library reads version " + std::to_string(SCHEMA_VERSION) +
-                            "; build it anew from its source");
+                            "; rebuild it from its source");
     }
     CheckTables();
     mHead = ReadHeadTables(mDatabase);
@@ -47,7 +47,7 @@ MetadataDatabase::MetadataDatabase(const std::string& path) : mDatabase(path) {
 }
 
 void MetadataDatabase::CheckTables() {
-    // What comes without a text are the indexes that belong to a table.
+    // The rows without a text are indexes that SQLite creates for UNIQUE constraints.
     SqliteStatement rows =
         mDatabase.Prepare("SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL ORDER BY rowid");
     std::string schema;
@@ -67,6 +67,7 @@ SubsystemData MetadataDatabase::Load(const std::string& label, const std::string
     LoadKeys(row->second.id, data);
     const std::string where = mDatabase.Path() + ": subsystem " + subsystem + " of " + label;
     if (row->second.digest != DigestOf(data)) throw DatabaseError(where + " is damaged");
+    // A file made by another program can have correct digests and still nest its structs without end.
     if (const std::optional<TypeFault> fault = FindTypeFault(data)) {
         throw DatabaseError(
             where + (fault->key != nullptr ? ": key " + fault->key->name : ": struct " + fault->structName) +
@@ -89,7 +90,7 @@ void MetadataDatabase::CheckFile() {
     SqliteStatement strays = mDatabase.Prepare("PRAGMA foreign_key_check");
     if (strays.Step()) {
         throw DatabaseError(mDatabase.Path() + ": a row of the table " + strays.Text(0) +
-                            " belongs to none of the table " + strays.Text(2));
+                            " refers to a missing row of the table " + strays.Text(2));
     }
 }
 
@@ -135,9 +136,9 @@ void MetadataDatabase::LoadTypes(std::int64_t id, SubsystemData& subsystem) {
 }
 
 void MetadataDatabase::LoadKeys(std::int64_t id, SubsystemData& subsystem) {
-    // A subsystem's keys mostly stand side by side. So of each table the stretch is read that holds them all,
-    // in the order of the file; an index would look each up on its own, and then they would have to be
-    // sorted.
+    // The keys of a subsystem normally have consecutive ids. So the range of rows that contains them all is
+    // read from each table, in file order. Using an index would look up each row separately and sort them
+    // afterwards. The unary "+" below keeps SQLite from using one.
     SqliteStatement stretch =
         mDatabase.Prepare("SELECT count(*), min(id), max(id) FROM key WHERE subsystem_id = ?");
     stretch.Bind(id).Step();
@@ -157,7 +158,7 @@ void MetadataDatabase::LoadKeys(std::int64_t id, SubsystemData& subsystem) {
         key.psid = keys.NumberAs<std::uint32_t>(RECORD_COLUMN_COUNT);
         ids.push_back(keys.Number(RECORD_COLUMN_COUNT + 1));
     }
-    // Null for a key of another subsystem.
+    // Returns null for a key of another subsystem within the range.
     const auto find = [&](std::int64_t keyId) -> KeyData* {
         const auto found = std::ranges::lower_bound(ids, keyId);
         if (found == ids.end() || *found != keyId) return nullptr;

@@ -9,7 +9,7 @@ namespace VemoKesConfigTools::metadb {
 
 namespace {
 
-/// Measures each struct once: how deep it goes, and how many values it holds.
+/// Determines the depth and the number of values of each struct, visiting each only once.
 class TypeChecker {
 public:
     explicit TypeChecker(const SubsystemData& subsystem) : mSubsystem(subsystem) {
@@ -25,7 +25,7 @@ public:
             const auto type = mTypes.find(key.type);
             if (type == mTypes.end() || type->second.values <= MAXIMUM_STRUCT_VALUES) continue;
             return TypeFault{&key, key.type,
-                             "its struct " + key.type + " holds more than " +
+                             "its struct " + key.type + " contains more than " +
                                  std::to_string(MAXIMUM_STRUCT_VALUES) + " values"};
         }
         return std::nullopt;
@@ -34,13 +34,14 @@ public:
 private:
     struct Measured {
         const StructType* type;
-        std::size_t depth = 0;   ///< 0 until it is known
-        std::size_t values = 0;  ///< no more than one above the maximum
-        bool open = false;
+        std::size_t depth = 0;   ///< 0 until known
+        std::size_t values = 0;  ///< capped at one above the maximum, so that it cannot overflow
+        bool open = false;       ///< being measured: found again, it contains itself
     };
 
     void Measure(Measured& measured, std::size_t above) {
-        if (measured.open) return Fail(measured, "it holds itself");
+        if (measured.open) return Fail(measured, "it contains itself");
+        // Checked on the way down as well, to limit this recursion itself.
         if (above > MAXIMUM_STRUCT_DEPTH) return FailDepth(measured);
         if (measured.depth != 0) return;
         measured.open = true;
@@ -67,7 +68,7 @@ private:
         mFault = TypeFault{nullptr, measured.type->name, std::move(text)};
     }
     void FailDepth(const Measured& measured) {
-        Fail(measured, "it is nested more than " + std::to_string(MAXIMUM_STRUCT_DEPTH) + " deep");
+        Fail(measured, "it is nested more than " + std::to_string(MAXIMUM_STRUCT_DEPTH) + " levels deep");
     }
 
     const SubsystemData& mSubsystem;

@@ -9,9 +9,9 @@
 
 namespace VemoKesConfigTools::metadb {
 
-// A metadata database as plain records: what the source says, and what the tables hold.
+// A metadata database as plain records, as read from a source or from the tables.
 
-/// Where something stands in a source: line and column from 1, the column in bytes. Not kept in a database.
+/// A position in a source: line and column counted from 1, the column in bytes. Not stored in a database.
 struct SourcePlace {
     std::uint32_t file = 0;  ///< number of the source file, from 0
     std::uint32_t line = 0;
@@ -28,8 +28,8 @@ struct IndexData {
     NamedValues values;
 };
 
-/// What keys and struct fields have in common. What a reader asks of every key stands in front, in few cache
-/// lines.
+/// What keys and struct fields have in common. The members that a reader needs for every key come first, so
+/// that they share few cache lines.
 struct RecordData {
     std::string name;
     std::string type;
@@ -102,23 +102,23 @@ struct SystemData {
     std::vector<SubsystemData> subsystems;
 };
 
-/// Structs may lie in each other this deep, so that neither a reader nor a writer runs out of stack.
+/// The maximum nesting depth of structs, which limits the stack that readers and writers need.
 inline constexpr std::size_t MAXIMUM_STRUCT_DEPTH = 100;
-/// The struct of a key may hold this many values, those of inner structs included, an array counted as one of
-/// its items: a host is handed a record for each.
+/// The maximum number of values in the struct of a key, including those of nested structs; an array counts as
+/// one of its items. A host gets a record for each value.
 inline constexpr std::size_t MAXIMUM_STRUCT_VALUES = 65'536;
 
-/// What is wrong with the types of a subsystem: a struct that holds itself or is too deep, a key whose struct
-/// holds too many values.
+/// A fault in the types of a subsystem: a struct that contains itself or is nested too deeply, or a key whose
+/// struct has too many values.
 struct TypeFault {
-    const KeyData* key;  ///< null when the struct itself is wrong
+    const KeyData* key;  ///< null if the struct itself is faulty
     std::string structName;
     std::string text;
 };
 std::optional<TypeFault> FindTypeFault(const SubsystemData& subsystem);
 
-/// A number over all that a subsystem's records say, by which damage is found. The same records give the same
-/// number on every machine.
+/// A checksum over all records of a subsystem, to detect damage. The same records give the same checksum on
+/// every machine.
 std::uint32_t DigestOf(const SubsystemData& subsystem);
 
 }  // namespace VemoKesConfigTools::metadb

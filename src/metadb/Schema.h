@@ -2,7 +2,7 @@
 
 namespace VemoKesConfigTools::metadb {
 
-// The columns that keys and fields have in common, in one order everywhere.
+// The columns that keys and fields have in common, always in this order.
 #define KES_RECORD_TABLE_COLUMNS                                  \
     "    uid INTEGER NOT NULL,\n"                                 \
     "    name TEXT NOT NULL,\n"                                   \
@@ -26,9 +26,9 @@ namespace VemoKesConfigTools::metadb {
     "is_array, array_min, array_max, oid, source"
 inline constexpr int RECORD_COLUMN_COUNT = 17;
 
-// The tables. `position` counts from 0 within what the row belongs to and keeps the order of the source.
-// `head` has one row. SQLite keeps each statement as it stands here, by which a file with other tables is
-// known.
+// The tables. `position` counts from 0 within the owner of the row and preserves the order of the source.
+// `head` has one row. SQLite stores each statement verbatim, so a file with different tables is recognized by
+// comparing the texts.
 inline constexpr const char* SCHEMA =
     R"sql(CREATE TABLE head (
     id INTEGER PRIMARY KEY CHECK (id = 1),

@@ -16,13 +16,13 @@ std::string_view NameOf(JsonNode::Kind kind) {
         case JsonNode::Kind::Bool:
             return "true or false";
         case JsonNode::Kind::Integer:
-            return "a whole number of 64 bits";
+            return "a 64-bit integer";
         case JsonNode::Kind::Number:
             return "a number";
         case JsonNode::Kind::String:
             return "a string";
         case JsonNode::Kind::Array:
-            return "a list";
+            return "an array";
         case JsonNode::Kind::Object:
             return "an object";
     }
@@ -80,7 +80,9 @@ const JsonNode* SourceNodes::Optional(const JsonNode& object, std::string_view n
 std::string SourceNodes::Text(const JsonNode& object, std::string_view name) {
     const JsonNode* node = Optional(object, name, JsonNode::Kind::String);
     if (node == nullptr) return {};
-    if (node->text.find('\0') != std::string::npos) Fault(node->offset, Quoted(name) + " holds a NUL");
+    // The host API ends a text at its first NUL.
+    if (node->text.find('\0') != std::string::npos)
+        Fault(node->offset, Quoted(name) + " contains a NUL character");
     return node->text;
 }
 

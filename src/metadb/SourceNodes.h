@@ -12,7 +12,7 @@
 
 namespace VemoKesConfigTools::metadb {
 
-/// Takes values out of a source's tree, and collects what is wrong with them.
+/// Reads values from the tree of a source and collects their faults.
 class SourceNodes {
 public:
     SourceNodes(std::string_view text, std::uint32_t file, std::vector<SourceFault>& faults);
@@ -20,22 +20,22 @@ public:
     void Fault(std::size_t offset, std::string text);
     SourcePlace PlaceOf(std::size_t offset) const;
 
-    /// Whether the node is of this kind; a fault when it is not.
+    /// Whether the node is of this kind; adds a fault if not.
     bool Expect(const JsonNode& node, JsonNode::Kind kind, std::string_view what);
-    /// A fault for every member that is none of these.
+    /// Adds a fault for every member whose name is not in the list.
     void AllowOnly(const JsonNode& object, std::span<const std::string_view> names);
     void AllowOnly(const JsonNode& object, std::initializer_list<std::string_view> names) {
         AllowOnly(object, std::span(names.begin(), names.size()));
     }
-    /// A member that must be there and of this kind; null with a fault when it is not.
+    /// A mandatory member of this kind; null, with a fault, if it is missing or of another kind.
     const JsonNode* Required(const JsonNode& object, std::string_view name, JsonNode::Kind kind);
-    /// A member that may be missing; null when it is, or with a fault when it is of another kind.
+    /// An optional member of this kind; null if it is missing, or, with a fault, if it is of another kind.
     const JsonNode* Optional(const JsonNode& object, std::string_view name, JsonNode::Kind kind);
 
     std::string Text(const JsonNode& object, std::string_view name);
     std::string RequiredText(const JsonNode& object, std::string_view name);
     bool Flag(const JsonNode& object, std::string_view name);
-    /// A number within the bounds; `otherwise` when it is missing, or wrong with a fault.
+    /// A number within the bounds; `otherwise` if it is missing, or, with a fault, if it is invalid.
     std::int64_t Number(const JsonNode& object, std::string_view name, std::int64_t least, std::int64_t most,
                         std::int64_t otherwise);
     std::int64_t RequiredNumber(const JsonNode& object, std::string_view name, std::int64_t least,
@@ -55,7 +55,8 @@ private:
     std::vector<SourceFault>& mFaults;
 };
 
-/// "[A-Za-z_][A-Za-z0-9_]*", and with `dash` also "-" behind the first character.
+/// Whether the text matches "[A-Za-z_][A-Za-z0-9_]*"; with `dash`, "-" is also allowed after the first
+/// character.
 bool IsName(std::string_view text, bool dash = false);
 
 }  // namespace VemoKesConfigTools::metadb

@@ -9,7 +9,7 @@ namespace VemoKesConfigTools::metadb {
 
 namespace {
 
-/// What a file may ask for. Far above what a metadata database needs, far below what would hurt.
+/// Limits for untrusted files: far above what a metadata database needs, far below what would do harm.
 constexpr std::pair<int, int> LIMITS[] = {
     {SQLITE_LIMIT_LENGTH, 16 * 1024 * 1024},
     {SQLITE_LIMIT_SQL_LENGTH, 100'000},
@@ -25,10 +25,10 @@ constexpr std::pair<int, int> LIMITS[] = {
     {SQLITE_LIMIT_WORKER_THREADS, 0},
 };
 
-/// The address of a file, for which "?", "#" and "%" in a name would have a meaning of their own.
+/// The URI of a file, with the characters escaped that have a special meaning in a URI.
 std::string UriOf(const std::string& path) {
     constexpr std::string_view DIGITS = "0123456789ABCDEF";
-    // A name alone could be one that is no file, such as ":memory:"; two slashes would begin a host.
+    // A bare name could be a special one, such as ":memory:". After "file:", two slashes start a host name.
     std::string uri = path.starts_with('/') ? "file://" : "file:./";
     for (const char c : path) {
         const auto byte = static_cast<unsigned char>(c);
@@ -40,6 +40,7 @@ std::string UriOf(const std::string& path) {
             uri.append({'%', DIGITS[byte >> 4U], DIGITS[byte & 0xFU]});
         }
     }
+    // Immutable: SQLite takes no locks, creates no files, and ignores a journal that someone put there.
     return uri + "?immutable=1";
 }
 
@@ -56,6 +57,7 @@ Sqlite::Sqlite(const std::string& path) : mPath(path) {
         throw UnreadableFile(mPath + ": " + reason);
     }
     Open(UriOf(mPath), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    // Makes SQLite check pages of damaged files when it reads them.
     Execute("PRAGMA cell_size_check = ON");
 }
 
@@ -102,7 +104,8 @@ std::string Sqlite::Serialize() const {
 
 void Sqlite::Fail(int code) const {
     const char* text = mpDatabase ? sqlite3_errmsg(mpDatabase.get()) : sqlite3_errstr(code);
-    // SQLite calls a database malformed whose bytes cannot be read.
+    // SQLite also reports a read error of the file as "malformed"; the error of the system says what
+    // happened.
     int cause = 0;
     const bool isOpen = mpDatabase && sqlite3_file_control(mpDatabase.get(), "main", SQLITE_FCNTL_LAST_ERRNO,
                                                            &cause) == SQLITE_OK;
@@ -112,6 +115,7 @@ void Sqlite::Fail(int code) const {
 }
 
 SqliteStatement::~SqliteStatement() {
+    // A statement that is not reset would keep its transaction open.
     Reset();
     mDatabase.mIdle.emplace(mSql, std::move(mpStatement));
 }

@@ -13,13 +13,13 @@ struct sqlite3_stmt;
 
 namespace VemoKesConfigTools::metadb {
 
-/// What SQLite, or the content of a database, has to say against it. The text names the file.
+/// An error reported by SQLite, or invalid content of a database. The text names the file.
 class DatabaseError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// There is no file that could be a database, or it cannot be opened.
+/// The file does not exist, cannot be opened or is not a regular file.
 class UnreadableFile : public DatabaseError {
 public:
     using DatabaseError::DatabaseError;
@@ -27,26 +27,26 @@ public:
 
 class SqliteStatement;
 
-/// An open database. It runs no code that a file brings with it: triggers, views and extensions are off.
+/// An open database. Files are not trusted: no code that a file may contain is run; triggers, views and
+/// extensions are disabled.
 class Sqlite {
 public:
     /// An empty database in memory.
     Sqlite();
-    /// Opens a file, read-only, as it is: files of other names beside it, such as journals, are not looked
-    /// at. Throws `UnreadableFile`.
+    /// Opens a file read-only. Accompanying files, such as journals, are ignored. Throws `UnreadableFile`.
     explicit Sqlite(const std::string& path);
 
     void Execute(const char* sql);
-    /// The one number that the statement gives.
+    /// The number that the statement returns; 0 if it returns no row.
     std::int64_t Number(const char* sql);
-    /// The text is a constant: a statement that is no longer used is kept, and serves the next who asks for
-    /// it.
+    /// Prepares a statement. `sql` must be a string constant: finished statements are kept and reused, and
+    /// are found by this pointer.
     SqliteStatement Prepare(const char* sql);
     std::int64_t LastRowId() const;
-    /// The bytes of the database as a file has them.
+    /// The bytes of a file with this database.
     std::string Serialize() const;
 
-    /// Throws what SQLite says about the last failure.
+    /// Throws `DatabaseError` with SQLite's message about the last failure.
     [[noreturn]] void Fail(int code) const;
     const std::string& Path() const { return mPath; }
 
@@ -74,7 +74,7 @@ public:
     SqliteStatement& operator=(const SqliteStatement&) = delete;
     ~SqliteStatement();
 
-    /// Binds the arguments to the places of the statement, from the first.
+    /// Resets the statement and binds the arguments to its parameters, in order.
     template <typename... Values>
     SqliteStatement& Bind(const Values&... values) {
         Reset();
@@ -82,14 +82,14 @@ public:
         (BindOne(++position, values), ...);
         return *this;
     }
-    /// Steps to the next row; false when there is none.
+    /// Steps to the next row; returns false if there is none.
     bool Step();
-    /// Runs a statement that gives no rows.
+    /// Runs a statement that returns no rows.
     void Run() { static_cast<void>(Step()); }
 
     std::string Text(int column) const;
     std::int64_t Number(int column) const;
-    /// The number as this type. Throws `DatabaseError` when it does not fit.
+    /// The number as this type. Throws `DatabaseError` if it does not fit.
     template <typename Type>
     Type NumberAs(int column) const {
         const std::int64_t number = Number(column);

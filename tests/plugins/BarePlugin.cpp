@@ -1,5 +1,5 @@
-// A stand-in for the text format whose reader gives what no text can: keys without any metadata record and
-// without a layer, as a device does. It reads the text as usual first.
+// Replaces the text format by a reader that returns keys without metadata records and without a layer, as a
+// device does and a text cannot. It first reads the text as usual.
 
 #include "kes/configtools/readerwriters/kestext/common/kesparser/CKesConfigReader.h"
 #include "kes/configtools/readerwriters/kestext/common/keswriter/CKesWriter.h"

@@ -1,4 +1,4 @@
-// One plug-in file of each kind that must be left out, chosen by KES_HOSTILE, and two that must not.
+// A plug-in of each kind that must be skipped, selected by KES_HOSTILE, and two that must not be.
 
 #include "plugins/kit/KesPlugin.h"
 

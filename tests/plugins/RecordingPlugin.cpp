@@ -1,7 +1,7 @@
-// A plug-in of the name KES_RECORDING that appends every call to the file named by the variable
-// KES_RECORDING_LOG. What it is to do it is told by words in its connection text, or in its stream:
-// "null", nothing can be made; "fail", reading fails; "fail-second", only the second reading does; "error",
-// an error is stored; "stores", stores are reported.
+// A plug-in with the name KES_RECORDING that appends every call to the file named by the environment variable
+// KES_RECORDING_LOG. Words in its connection, or in its stream, control it: "null", no object is created;
+// "fail", reading fails; "fail-second", only the second read fails; "error", an error is stored; "stores",
+// stores are reported.
 
 #include "model/CIndexedElement.h"
 #include "model/CKesContext.h"
@@ -61,7 +61,8 @@ public:
     void SetMetadataProvider(IMetadataProvider* provider) override {
         Log(provider == nullptr ? "no provider" : "provider");
     }
-    /// Gives one key, whose value is the length of the stream, or else the number of this reading.
+    /// Returns one key, whose value is the length of the stream or, without a stream, the number of this
+    /// read.
     bool Read(IConfigContext& context) override {
         if (mpStream != nullptr) mTold = (std::ostringstream() << mpStream->rdbuf()).str();
         Log("read" + TagsOf(context) + (mpStream == nullptr ? "" : " '" + mTold + "'"));
@@ -125,7 +126,7 @@ private:
     std::size_t mReadings = 0;
 };
 
-/// The argument is a stream for the plug-in that works on streams; for others a flag, or null.
+/// The argument is a stream for the plug-in that uses streams; for others a flag, or null.
 template <typename Interface>
 Interface* Create(const char* what, const char* connection, void* argument) {
     const std::string told = connection;

@@ -1,4 +1,4 @@
-// Prints which database and plug-ins the command would take without options.
+// Prints which database and plug-ins the command uses without options.
 
 #include "cli/Globals.h"
 
@@ -8,7 +8,7 @@
 int main() {
     const kes::cli::Globals globals = kes::cli::DefaultGlobals();
     std::cout << globals.database << '\n' << globals.plugins << '\n' << globals.chip << std::endl;
-    // Without the handlers at exit: the leak checker fails in a process that may not be traced, as a set-uid
+    // Skips exit handlers: the leak checker fails in a process that cannot be traced, such as a set-user-id
     // one.
     std::_Exit(0);
 }

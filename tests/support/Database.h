@@ -17,7 +17,7 @@ inline void WriteDatabase(const std::string& path, const std::vector<metadb::Sys
     std::ofstream(path, std::ios::binary) << metadb::SerializeDatabase(systems);
 }
 
-/// Changes a database as the `sqlite3` shell would.
+/// Runs SQL on a database, as the `sqlite3` shell does.
 inline void ChangeDatabase(const std::string& path, const std::string& sql) {
     sqlite3* opened = nullptr;
     ASSERT_EQ(sqlite3_open(path.c_str(), &opened), SQLITE_OK);
@@ -26,7 +26,7 @@ inline void ChangeDatabase(const std::string& path, const std::string& sql) {
         << sqlite3_errmsg(opened);
 }
 
-/// Makes the list of systems and subsystems count as undamaged after a change of it.
+/// Updates the digest of the list of systems and subsystems after a change.
 inline void RenewHeadDigest(const std::string& path) {
     metadb::Sqlite database(path);
     const std::string digest = std::to_string(metadb::ReadHeadTables(database).digest);

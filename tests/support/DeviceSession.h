@@ -18,14 +18,14 @@ protected:
     static constexpr const char* SYSTEM = "ostrell_520_2_3";
     static constexpr std::uint16_t CHIP_ID = 76;
 
-    /// A facade for the system that holds nothing.
+    /// An empty facade for the system.
     static std::unique_ptr<host::FrameworkFacade> Blank(const std::string& system = SYSTEM) {
         auto facade = std::make_unique<host::FrameworkFacade>(EXAMPLE_DATABASE);
         facade->OwningChip(ChipOf(system));
         facade->LoadBlank();
         return facade;
     }
-    /// A facade that holds a text.
+    /// A facade with a text loaded.
     std::unique_ptr<host::FrameworkFacade> Holding(const std::string& text) {
         auto facade = Blank();
         if (text.empty()) return facade;
@@ -54,7 +54,7 @@ protected:
         }
     }
 
-    /// An image for the system, of which the path is given.
+    /// Creates an image for the system and returns its path.
     std::string Image(ImageFamily family, std::uint32_t size, const std::string& name = "device.img") const {
         const std::string path = mFolder / name;
         ImageGeometry geometry;
@@ -64,7 +64,7 @@ protected:
         return path;
     }
 
-    /// All that a facade holds: `SUBSYSTEM/DEVICE/STORE PSID=VALUE` for each key.
+    /// The content of a facade: `SUBSYSTEM/DEVICE/STORE PSID=VALUE` for each key.
     static std::string Dump(host::FrameworkFacade& facade) {
         std::string text;
         for (const auto& value : facade.GetValues()) {
@@ -76,7 +76,7 @@ protected:
         }
         return text;
     }
-    /// All that an image holds, or the error of the reading, after which nothing may be held.
+    /// The content of an image, or the error of reading it, after which the configuration must be empty.
     std::string Read(ImageFamily family, const std::string& path) {
         if (!mpReader) mpReader = Blank();
         if (Load(*mpReader, family, path)) return Dump(*mpReader);

@@ -94,7 +94,7 @@ inline std::string DumpElements(const CSubsystemConfig& place) {
     return text;
 }
 
-/// `[SUBSYSTEM/DEVICE/STORE ELEMENTS]` for each place, with `@LAYER` behind the store if it has one.
+/// `[SUBSYSTEM/DEVICE/STORE ELEMENTS]` for each place, with `@LAYER` after the store if it has one.
 inline std::string Dump(const CChipConfig& config) {
     std::string text;
     for (const auto& [key, place] : config.Subsystems()) {

@@ -1,7 +1,7 @@
 #pragma once
 
-// What must hold of every change of a key in a text: the changed text reads as the model would after the same
-// change, nothing else is wrong with it than before, and the bytes around the change stay.
+// Properties of every change of a key in a text: reading the changed text gives the same model as making the
+// change on the model, there are no new findings, and the bytes around the change are preserved.
 
 #include "kes/configtools/readerwriters/kestext/common/textindex/CTextIndex.h"
 #include "kes/configtools/readerwriters/kestext/common/textindex/EditText.h"
@@ -20,7 +20,7 @@ namespace KesTest {
 
 class EditLaw {
 public:
-    /// Told of a change that does not hold: what, the text after it, the wanted and the actual model.
+    /// Called for a violation: what it is, the changed text, the expected and the actual model.
     using Fault =
         std::function<void(const std::string&, const std::string&, const std::string&, const std::string&)>;
 
@@ -31,7 +31,7 @@ public:
           mIndex(Index(std::move(text))),
           mBefore(ReadText(mIndex.Text())) {}
 
-    /// Changes, removes and adds keys, each on its own; every `stride`th line of a key is tried.
+    /// Changes, removes and adds keys, one at a time; every `stride`th line with a key is tried.
     void Check(std::size_t stride) {
         CheckIndex();
         std::size_t number = 0;
@@ -59,12 +59,13 @@ public:
             if (!IsThere(change)) CheckChange("add", change, {});
         }
     }
-    /// Whether a line depends on the line before it, so that no change of another leaves it alone.
+    /// Whether a line depends on the previous line, so that changing that one affects it.
     bool HasStrayLines() const {
         return std::ranges::any_of(mIndex.Lines(), [](const TextLine& line) { return line.isStray; });
     }
-    /// Whether a line behind the text is one: it does not lie in an open comment, behind the end of the
-    /// reading, or in a line without an end, which may be wrong in another way when it is complete.
+    /// Whether a line appended to the text is read as such: the text does not end in an open comment, after
+    /// the point where reading stops, or in an unterminated line, which may have another error when
+    /// completed.
     bool EndTakesALine() {
         return mIndex.Text().ends_with('\n') &&
                Index(mIndex.Text() + "1=% 1 %\n").Lines().size() > mIndex.Lines().size();
@@ -78,7 +79,7 @@ private:
 
     struct Outcome {
         std::shared_ptr<CChipConfig> config = std::make_shared<CChipConfig>();
-        std::vector<std::string> findings;  ///< without their places, which move
+        std::vector<std::string> findings;  ///< without their positions, which change
     };
 
     CTextIndex Index(std::string text) {
@@ -90,7 +91,7 @@ private:
         context.SetChip(mChip);
         return context;
     }
-    /// The words of each finding.
+    /// The text of each finding.
     static std::vector<std::string> WithoutPlaces(const std::string& findings) {
         std::vector<std::string> words;
         for (std::size_t at = findings.find('#'); at != std::string::npos;) {
@@ -100,7 +101,7 @@ private:
         }
         return words;
     }
-    /// Whether every finding was there before. A change may take one away, never bring one.
+    /// Whether every finding existed before. A change may remove a finding, but not add one.
     static bool AddsNone(const std::vector<std::string>& before, const std::vector<std::string>& after) {
         auto next = before.begin();
         return std::ranges::all_of(after, [&](const std::string& finding) {
@@ -150,7 +151,7 @@ private:
         return place != nullptr && place->Find(change.psid, change.indices) != nullptr;
     }
 
-    /// The model after the change, which is made on the model itself.
+    /// The model after the change, made on the model itself.
     Outcome Wanted(const TextChange& change) {
         Outcome wanted = ReadText(mIndex.Text());
         CChipConfig& config = *wanted.config;
@@ -158,7 +159,7 @@ private:
         if (change.isRemoval) {
             place->RemoveElement(change.psid, &change.indices);
         } else {
-            // The same value, read at the same kind of place, in a text of its own.
+            // The same value, read in the same kind of place, in a separate text.
             std::string text = "subsystem=";
             text += SUBSYSTEM_NAMES[static_cast<std::size_t>(change.place.subsystem)];
             text += "\ndevice=" + DeviceWord(change.place.device);
@@ -178,7 +179,7 @@ private:
             mFault(what, edited, Dump(*wanted.config), Dump(*actual.config));
         if (!AddsNone(mBefore.findings, actual.findings)) mFault(what, edited, "no other findings", {});
         if (change.isRemoval || touched.IsEmpty()) return;
-        // Nothing but the last value of the key has changed, and that to what was asked for.
+        // Only the last value of the key has changed, to the requested one.
         const std::string& text = mIndex.Text();
         const std::size_t start =
             static_cast<std::size_t>(std::ranges::mismatch(text, edited).in1 - text.begin());
@@ -193,11 +194,11 @@ private:
                 continue;
             if (start >= line.value.begin && text.size() - sameEnd <= line.value.end) return;
         }
-        // A key that a later line takes out gets a line of its own.
-        if (start + sameEnd < text.size()) mFault("bytes outside of a value have changed", edited, text, {});
+        // A key that a later line removes gets a new line.
+        if (start + sameEnd < text.size()) mFault("bytes outside a value have changed", edited, text, {});
     }
 
-    /// Ranges lie in each other and in the text, and hold what they say.
+    /// Checks that ranges are nested, lie within the text, and contain what they describe.
     void CheckIndex() {
         std::size_t before = 0;
         for (const TextLine& line : mIndex.Lines()) {

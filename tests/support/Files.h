@@ -22,7 +22,7 @@ struct Outcome {
     std::string err;
 };
 
-/// Runs the real command. `before` goes in front of it, as the shell has it: variables, or a pipe.
+/// Runs the real command. `before` is prefixed in the shell line: variables, or a pipe.
 inline Outcome RunKes(const std::vector<std::string>& arguments, const std::string& before = {}) {
     const TempFolder folder;
     std::string line = before + " '" KES_TEST_COMMAND "'";
@@ -32,7 +32,7 @@ inline Outcome RunKes(const std::vector<std::string>& arguments, const std::stri
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(folder / "out"), ReadFile(folder / "err")};
 }
 
-/// Runs a line of the shell in a folder, in which `kes` is the real command.
+/// Runs a shell line in a folder; `kes` is the real command.
 inline Outcome RunShell(const TempFolder& folder, const std::string& line) {
     const TempFolder results;
     const std::string run = "cd '" + folder.Path() + "' && kes() { '" KES_TEST_COMMAND "' \"$@\"; } && { " +

@@ -1,6 +1,6 @@
 #pragma once
 
-// What tests of the host API share.
+// Helpers shared by tests of the host API.
 
 #include "facade/Framework.h"
 #include "facade/FrameworkFacade.h"
@@ -17,7 +17,7 @@ namespace KesTest {
 
 namespace host = VEMO::Kes::ConfigurationTools;
 
-/// The number and the text of the stored error, "none" without one.
+/// Number and text of the last stored error; "none" if there is none.
 inline std::string LastError() {
     host::HostString message;
     const std::int32_t number = host::Framework::GetLastError(message);
@@ -47,7 +47,7 @@ inline host::HostListRef<std::int32_t> Indexes(std::initializer_list<std::int32_
     return std::make_shared<std::vector<std::int32_t>>(indexes);
 }
 
-/// The library, started on the real plug-ins.
+/// The library, initialized with the real plug-ins.
 class HostSession : public testing::Test {
 protected:
     HostSession() {

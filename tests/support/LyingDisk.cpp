@@ -72,7 +72,7 @@ void LyingDisk::ForEachCut(std::mt19937& random, const std::function<void(LyingD
         state.BeginLog();
         visit(state);
     };
-    // The state after the first `count` changes, of which one may be there in part.
+    // The state after the first `count` changes, one of which may be incomplete.
     const auto build = [&](std::size_t count, const std::vector<std::size_t>& unsure,
                            const std::function<bool(std::size_t)>& isThere, std::size_t cut,
                            std::size_t bytes) {
@@ -86,7 +86,7 @@ void LyingDisk::ForEachCut(std::mt19937& random, const std::function<void(LyingD
         show(std::move(nodes));
     };
     for (std::size_t count = 0; count <= mLog.size(); ++count) {
-        // A change is sure once its file or folder was synced after it.
+        // A change is durable once its file or folder has been synced after it.
         std::vector<std::size_t> unsure;
         std::set<Number> synced;
         for (std::size_t i = count; i-- > 0;) {
@@ -109,7 +109,7 @@ void LyingDisk::ForEachCut(std::mt19937& random, const std::function<void(LyingD
                     count, unsure, [&](std::size_t) { return random() % 8 < density; }, none, 0);
             }
         }
-        // The last write in part, with all or nothing of the others.
+        // Only part of the last write, with all or none of the others.
         if (count == 0 || mLog[count - 1].kind != Change::Kind::WRITE) continue;
         const std::size_t size = mLog[count - 1].bytes.size();
         std::set<std::size_t> cuts = {1, size / 2, size - 1};
@@ -214,7 +214,7 @@ int LyingDisk::Open(const std::string& path, files::OpenFor use) {
         if (folder == 0) return -ENOENT;
         number = MakeNode(false);
         mNodes[number].mode = use == files::OpenFor::NEW_PRIVATE ? 0600 : 0644;
-        // The file itself comes with its name: both are of the folder.
+        // Syncing the folder makes a new file durable along with its name.
         SetNames(folder, {{name, number}});
     }
     if (use == files::OpenFor::TRUNCATING) mNodes[number].content.clear();

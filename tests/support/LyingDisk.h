@@ -17,12 +17,12 @@ namespace KesTest {
 
 namespace files = VemoKesConfigTools::files;
 
-/// A disk in memory that fails on request and records every change, so that each state can be
-/// built in which a power cut might leave a real one: what was not synced may be there or not, in any
-/// combination, and a write may be there in part.
+/// A disk in memory that fails on request and records every change, so that every state can be built in which
+/// a power cut may leave a real disk: changes that were not synced may be present or not, in any combination,
+/// and a write may be incomplete.
 class LyingDisk final : public files::IDisk {
 public:
-    /// The files by their paths, folders with a "/" at the end; their contents.
+    /// The contents of files by path; the paths of folders end in "/".
     using Tree = std::map<std::string, std::string>;
 
     /// A disk with an empty folder "/d".
@@ -32,24 +32,24 @@ public:
     Tree Files() const;
     void Put(const std::string& path, const std::string& content, std::uint32_t mode = 0644);
     const std::string& Content(const std::string& path) const;
-    /// From here on the bytes of a file from `begin` to `end` only gain bits, as one-time-programmable
-    /// memory.
+    /// From now on bits in the bytes of a file from `begin` to `end` can only be set, as in
+    /// one-time-programmable memory.
     void OnlySetsBits(const std::string& path, std::uint64_t begin, std::uint64_t end);
 
-    /// Takes what is there as what is on the disk, and forgets how it came there.
+    /// Makes the current state durable and starts a new log of changes.
     void BeginLog();
     std::size_t LoggedChanges() const { return mLog.size(); }
     /// Calls `visit` once for each distinct state that a power cut can leave, at any moment since `BeginLog`.
-    /// Combinations of up to 12 changes that were not synced are all tried, of more `random` chooses some.
+    /// For up to 12 changes that were not synced, all combinations are tried; for more, a random sample.
     void ForEachCut(std::mt19937& random, const std::function<void(LyingDisk& state)>& visit) const;
 
-    /// Lets the call of this number, from 1, fail, and all later ones too if `forEver`.
+    /// Makes the call with this number, counted from 1, fail; with `forEver` all later ones too.
     void FailAt(std::size_t call, int error, bool forEver);
     std::size_t Calls() const { return mCalls; }
     void ResetCalls() { mCalls = 0; }
-    /// Transfers at most some bytes a call, and interrupts every other one.
+    /// Limits each call to a few bytes and interrupts every other one.
     void BeSlow(std::size_t most) { mMostBytes = most; }
-    /// How many bytes can be written before the disk is full.
+    /// The number of bytes that can be written before the disk is full.
     void Room(std::uint64_t bytes) { mRoom = bytes; }
 
     int Open(const std::string& path, files::OpenFor use) override;
@@ -97,8 +97,8 @@ private:
         Number node;  ///< the file or folder
         std::uint64_t offset = 0;
         std::string bytes;
-        std::vector<std::pair<std::string, Number>> names;  ///< new meanings; 0 takes a name away
-        bool makesFolder = false;                           ///< where a name is that of something new
+        std::vector<std::pair<std::string, Number>> names;  ///< changed entries; 0 removes a name
+        bool makesFolder = false;                           ///< for a name that is new
     };
 
     struct OpenHandle {
@@ -106,14 +106,14 @@ private:
         std::uint64_t position = 0;
     };
 
-    /// The number of what a path names; 0 when it is nothing.
+    /// The number of the file or folder at a path; 0 if there is none.
     Number Find(const std::string& path) const;
     Number FolderFor(const std::string& path, std::string& name) const;
     Number MakeNode(bool isFolder);
     void SetNames(Number folder, std::vector<std::pair<std::string, Number>> names, bool makesFolder = false);
     static void Apply(Nodes& nodes, const Change& change, std::size_t bytes);
     static void Write(Node& node, std::uint64_t offset, std::string_view bytes);
-    /// An error number for this call, 0 for none.
+    /// The error number for this call; 0 for none.
     int Fault();
     std::size_t Transfer(std::size_t size) const { return std::min(size, mMostBytes); }
     void CollectTree(Number folder, const std::string& path, Tree& tree) const;
@@ -124,7 +124,7 @@ private:
     std::map<int, OpenHandle> mHandles;
     int mLastHandle = 2;
     std::int64_t mClock = 0;
-    Nodes mBefore;  ///< what was on the disk when the log began
+    Nodes mBefore;  ///< the durable state when the log was started
     std::vector<Change> mLog;
     std::size_t mCalls = 0;
     std::size_t mFailingCall = 0;

@@ -1,6 +1,6 @@
 #pragma once
 
-// A metadata provider whose records are made in code.
+// A metadata provider whose records are defined in code.
 
 #include "messages/CTheMsgHnd.h"
 #include "model/CBaseContext.h"
@@ -147,7 +147,7 @@ struct Chip final : IChipInfo {
 
 class MemoryProvider final : public IMetadataProvider {
 public:
-    /// A key, of all subsystems until `In` says otherwise. Complete it before the first question.
+    /// A key, of all subsystems unless `In` restricts it. Complete it before the first query.
     Record& Key(std::uint32_t psid, const std::string& name, const std::string& type) {
         Record& record = mRecords.emplace_back(psid, name, type);
         mByName[name].push_back(&record);
@@ -155,7 +155,7 @@ public:
         mList.emplace(record.Uid(), &record);
         return record;
     }
-    /// A record for fields of structs, under which no key is found.
+    /// A record for struct fields, which is not found as a key.
     Record& Field(const std::string& name, const std::string& type) {
         return mRecords.emplace_back(0, name, type);
     }
@@ -189,8 +189,8 @@ public:
     }
     void Refresh() override {}
 
-    std::string errorForUnknown;  ///< stored when a key is not found, unless it is empty
-    std::uint32_t loads = 0;      ///< how often the list was asked for before a read
+    std::string errorForUnknown;  ///< stored when a key is not found, unless empty
+    std::uint32_t loads = 0;      ///< how often the list was requested before a read
 
 private:
     template <typename Map, typename Key>

@@ -1,7 +1,7 @@
 #pragma once
 
-// The filters in their plainest form: one character at a time, no look at runs, nothing remembered. Tests
-// hold the fast chain against it, and whole reads too.
+// The filters in their simplest form: one character at a time, without runs and caches. Tests compare the
+// fast chain and whole reads with it.
 
 #include "kes/configtools/readerwriters/kestext/common/textparser/CTextReader.h"
 #include "kes/configtools/readerwriters/kestext/common/textparser/LineFilters.h"
@@ -13,7 +13,7 @@ namespace KesTest {
 
 using VemoKesConfigTools::CTextReader;
 
-/// A reader on another one that shows no run, so that whoever reads takes characters.
+/// A reader on top of another that offers no runs, so that callers read single characters.
 class PlainReader : public CTextReader {
 public:
     explicit PlainReader(CTextReader& source) : mSource(source) {}

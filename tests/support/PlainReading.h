@@ -27,7 +27,7 @@ public:
     }
 };
 
-/// Tells which places a reader announces, and when elements come.
+/// Records which places a reader announces and when elements are added.
 class AnnouncedPlaces final : public IConfigReaderObserver {
 public:
     explicit AnnouncedPlaces(CChipConfig& config) : mConfig(config) {}
@@ -52,7 +52,7 @@ private:
     CChipConfig& mConfig;
 };
 
-/// All that can be told of a read of this text by a reader of this class.
+/// Everything observable about reading this text with a reader of this class.
 template <typename Reader>
 std::string Told(const std::string& text, CKesContext context, IMetadataProvider& provider) {
     const Messages messages;

@@ -1,6 +1,6 @@
 #pragma once
 
-// What tests of binary files and devices share: a host whose plug-ins for them are recording ones.
+// Shared by tests of binary files and devices: a host with recording plug-ins in their place.
 
 #include "support/HostSession.h"
 
@@ -15,21 +15,21 @@ inline constexpr std::int32_t MAX_ACL_LINKS = 0x1005;
 inline constexpr std::int32_t LOCAL_NAME = 0x1002;
 inline constexpr const char* LABEL = "ostrell_520_2_3";
 
-/// A facade with two keys, local_name and max_acl_links = 5, and an error that is stored.
+/// A facade with two keys, local_name and max_acl_links = 5, and a stored error.
 class RecordedSession : public testing::Test {
 protected:
-    /// An operation, and what is seen of it.
+    /// An operation and its observable results.
     struct Row {
         std::function<bool(host::FrameworkFacade&)> run;
         bool good;
-        std::string error;  ///< as `LastError` tells it
-        std::string keys;   ///< as `Keys` tells them
-        std::string calls;  ///< those of the plug-in, one a line
+        std::string error;  ///< from `LastError`
+        std::string keys;   ///< from `Keys`
+        std::string calls;  ///< of the plug-in, one per line
     };
 
     RecordedSession() {
         setenv("KES_RECORDING_LOG", (mFolder / "calls").c_str(), /*replace=*/1);
-        // Of two plug-ins of one name the first stays.
+        // Of two plug-ins with the same name, the first is kept.
         host::Framework::Init(std::string(KES_TEST_BINARY_DIR) + "/tests/recording");
         host::Framework::Init(KES_TEST_PLUGIN_DIR);
         mFacade = std::make_unique<host::FrameworkFacade>(EXAMPLE_DATABASE);
@@ -58,7 +58,7 @@ protected:
         std::filesystem::remove(mFolder / "calls");
         return calls;
     }
-    /// The keys with their values, and behind a bar the defaults.
+    /// The keys with their values, followed by a bar and the defaults.
     std::string Keys() const {
         const auto text = [](const host::HostListRef<std::shared_ptr<host::KeyValue>>& values) {
             std::string all;

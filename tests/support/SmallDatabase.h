@@ -27,7 +27,7 @@ inline std::string LastError() {
     return Handler().LastError(number, text, group) ? std::to_string(number) + " " + text : std::string();
 }
 
-/// The plug-in "sqlite" on a small database.
+/// The plug-in "sqlite" with a small database.
 class MetadataProvider : public testing::Test {
 protected:
     MetadataProvider() {
@@ -44,7 +44,7 @@ protected:
         context.SetSubsystemType(type);
         return context;
     }
-    /// A database with one subsystem of one struct key and one enum key.
+    /// A database with one subsystem that has one struct key and one enum key.
     std::string Small(const std::string& name = "small.db") const {
         metadb::KeyData enumKey;
         enumKey.uid = 1;

@@ -10,7 +10,7 @@
 
 namespace KesTest {
 
-/// A folder of a test's own, gone with the test.
+/// A temporary folder, removed with the object.
 class TempFolder {
 public:
     TempFolder() {
@@ -26,7 +26,7 @@ public:
 
     std::string operator/(const std::string& name) const { return mPath + "/" + name; }
     const std::string& Path() const { return mPath; }
-    /// Writes a file into the folder and gives its path.
+    /// Writes a file into the folder and returns its path.
     std::string Write(const std::string& name, const std::string& content) const {
         std::ofstream(*this / name, std::ios::binary) << content;
         return *this / name;

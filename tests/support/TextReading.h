@@ -1,6 +1,6 @@
 #pragma once
 
-// One read of a text into a configuration, and all that came of it.
+// One read of a text into a configuration, with all its results.
 
 #include "kes/configtools/readerwriters/kestext/common/kesparser/CKesConfigReader.h"
 #include "messages/CTheMsgHnd.h"
@@ -12,7 +12,7 @@
 
 namespace KesTest {
 
-/// Collects what the message service reports while it lives. Starts with an empty error store.
+/// Collects the reports of the message service during its lifetime. Clears the error store first.
 class Messages final : public CMessageHandlerObserver {
 public:
     Messages() {
@@ -45,7 +45,7 @@ public:
     std::string findings;
 };
 
-/// The keys of the text tests: one for each form of value, in all subsystems.
+/// The keys used by text tests: one for each form of value, in all subsystems.
 inline MemoryProvider& TextKeys() {
     static MemoryProvider& provider = []() -> MemoryProvider& {
         static MemoryProvider made;
@@ -105,7 +105,7 @@ struct Reading {
     std::string error;
 };
 
-/// Reads into `config` under the context, which keeps the place at which the text ended.
+/// Reads into `config` with the context, which keeps the place at the end of the text.
 inline Reading Read(const std::string& text, CChipConfig& config, CKesContext& context,
                     IMetadataProvider& provider = TextKeys()) {
     const Messages messages;
@@ -136,13 +136,13 @@ inline Reading Read(const std::string& text, IMetadataProvider& provider = TextK
     return Read(text, config, context, provider);
 }
 
-/// Places, and behind "!" the findings if there are any.
+/// Places, followed by "!" and the findings if there are any.
 inline std::string Outcome(const Reading& reading) {
     if (reading.findings.empty()) return reading.dump;
     return reading.dump + (reading.dump.empty() ? "! " : " ! ") + reading.findings;
 }
 
-/// The outcome of lines that stand behind `file=audio`, from line 2 on, without the words about that place.
+/// The result of lines that follow `file=audio` and start at line 2, without the text about that place.
 inline std::string OutcomeInAudio(const std::string& lines) {
     std::string outcome = Outcome(Read("file=audio\n" + lines));
     static const std::string place = "[3/15/1";

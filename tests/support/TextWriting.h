@@ -1,6 +1,6 @@
 #pragma once
 
-// Elements made in code, and what the writer makes of them.
+// Elements defined in code, and what the writer writes for them.
 
 #include "kes/configtools/readerwriters/kestext/common/keswriter/CKesWriter.h"
 #include "support/TextReading.h"
@@ -56,7 +56,7 @@ inline CKesContext Raw(CKesContext context = OverwriteContext()) {
     return context;
 }
 
-/// What `Write` of a configuration or an element puts into a stream.
+/// The text that `Write` of a configuration or an element writes to a stream.
 inline std::string Written(IWritable& what, IMetadataProvider* provider,
                            CKesContext context = OverwriteContext()) {
     std::ostringstream stream;
@@ -64,7 +64,7 @@ inline std::string Written(IWritable& what, IMetadataProvider* provider,
     return what.Write(writer, context) ? stream.str() : "not written: " + Messages::LastError();
 }
 
-/// The same for an element that goes with it.
+/// The same for an element, which is then deleted.
 inline std::string Written(CElement* element, IMetadataProvider* provider,
                            const CKesContext& context = OverwriteContext()) {
     const std::unique_ptr<CElement> owned(element);

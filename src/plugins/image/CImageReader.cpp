@@ -13,7 +13,7 @@ namespace VemoKesConfigTools {
 
 namespace {
 
-/// Places that know their order go first.
+/// Sorts places that have an order first: 0, for none, becomes the largest number.
 std::uint32_t RankOf(const EncodedPlace& place) { return place.place.order - std::uint32_t{1}; }
 
 }  // namespace

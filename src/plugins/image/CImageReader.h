@@ -19,7 +19,7 @@ public:
 protected:
     using PlaceFilter = std::function<bool(const BinaryPlace&)>;
 
-    /// Which places the context asks for: all of them, unless a family knows better. Throws `Refusal`.
+    /// Selects the places to read; all of them unless a family overrides it. Throws `Refusal`.
     virtual PlaceFilter FilterOf(const CKesContext& context) const;
 
     std::vector<EncodedPlace> Collect(CKesContext& context, std::string& subject) override;

@@ -11,10 +11,10 @@ std::string PathOfConnection(std::string_view connection) {
     const std::size_t mark = connection.find('?');
     if (mark != std::string_view::npos && mark + 1 != connection.size()) {
         throw Refusal(STR_OPERATION_INVALID, "unknown option \"" + std::string(connection.substr(mark + 1)) +
-                                                 "\" behind \"?\": device images take none");
+                                                 "\" after \"?\": device images have none");
     }
     std::string path(connection.substr(0, mark));
-    if (path.empty()) throw Refusal(STR_OPERATION_INVALID, "the connection names no file");
+    if (path.empty()) throw Refusal(STR_OPERATION_INVALID, "the connection does not name a file");
     return path;
 }
 

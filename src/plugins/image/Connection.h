@@ -5,8 +5,8 @@
 
 namespace VemoKesConfigTools {
 
-/// The path that a connection names: it is a path, or "file:" and a path. Options would stand behind a "?";
-/// there are none yet, so that any is refused. Throws `Refusal`.
+/// The path in a connection, which is a path or "file:" and a path. "?" is reserved for options; there are
+/// none yet, so any is an error. Throws `Refusal`.
 std::string PathOfConnection(std::string_view connection);
 
 }  // namespace VemoKesConfigTools

@@ -16,7 +16,7 @@ std::string HeadOf(const files::InPlaceFile& file) {
     return file.Read(0, std::min<std::uint64_t>(file.Size(), HEAD_SIZE));
 }
 
-/// Where the bytes end that are not blank in one-time-programmable memory.
+/// The end of the programmed bytes in one-time-programmable memory.
 std::uint64_t EndOfProgrammed(std::string_view area) { return area.find_last_not_of('\0') + 1; }
 
 }  // namespace
@@ -95,7 +95,8 @@ std::string DeviceImage::ReadArea(const StoreRecord& store) const {
 }
 
 std::uint32_t DeviceImage::NextSegment(const StoreRecord& store) const {
-    // The last bytes of a segment may be blank themselves.
+    // The programmed bytes may end before the current segment does, if its last bytes are zero. They may also
+    // end after it, where an interrupted save has left part of a segment.
     const std::uint64_t currentEnd =
         store.sequence == 0 ? 0 : std::uint64_t{store.current} + BANK_OVERHEAD + store.length;
     const std::uint64_t next = Align(std::max(EndOfProgrammed(ReadArea(store)), currentEnd));
@@ -132,6 +133,9 @@ void DeviceImage::CheckRoom(const Change& change, const std::string& directory) 
 void DeviceImage::Commit(Change change) {
     change.directory.sequence = NextSequence(mDirectory.sequence);
     CheckRoom(change, EncodeDirectory(change.directory));
+    // The order makes the save atomic: first the contents, to banks not in use, then the directory, to its
+    // unused bank, and at last the one byte that selects this bank. Each step must be on the device before
+    // the next begins; until the last one, the image has its old content.
     for (const auto& [position, content] : change.contents)
         WriteBank(change.directory.stores.at(position), content);
     if (!change.contents.empty()) mFile.Sync();
@@ -163,6 +167,7 @@ void DeviceImage::WriteBank(StoreRecord& store, std::string_view content) {
 }
 
 void DeviceImage::Program(std::uint32_t offset, std::string_view bytes) {
+    // Checked against the memory itself, right before programming: bits that are set can never be cleared.
     const std::string before = mFile.Read(offset, bytes.size());
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         const auto cleared = static_cast<unsigned char>(before[i]) & ~static_cast<unsigned>(bytes[i]);

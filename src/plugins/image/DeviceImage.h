@@ -12,17 +12,17 @@
 
 namespace VemoKesConfigTools {
 
-/// The bytes of a content: how many places there are, and their blocks. Places without keys are left out.
+/// Encodes a store's content: the number of places, then the places. Places without keys are omitted.
 std::string EncodeContent(const std::vector<EncodedPlace>& places);
-/// The places of a content. Throws `Refusal`.
+/// Decodes a store's content. Throws `Refusal`.
 std::vector<EncodedPlace> DecodeContent(std::string_view content);
 
-/// An open device image. It hands out what counts and nothing else, and changes as a whole or not at all.
-/// Stores are named by their position in the directory. Every failure throws `Refusal`, or
-/// `FileError` where the file failed.
+/// An open device image. It returns only the current content, and a change is made completely or not at all.
+/// Stores are identified by their position in the directory. A failure throws `Refusal`, or `FileError` if
+/// the file cannot be accessed.
 class DeviceImage {
 public:
-    /// Opens an image of this family and checks all of it but the contents of stores.
+    /// Opens an image of this family and checks everything but the contents of stores.
     DeviceImage(const std::string& path, files::LockMode access, ImageFamily family);
     /// The same for an image of any family.
     DeviceImage(const std::string& path, files::LockMode access);
@@ -30,31 +30,31 @@ public:
     const ImageHeader& Header() const { return mHeader; }
     const ImageDirectory& Directory() const { return mDirectory; }
 
-    /// The current content of a store, checked. Of a pair one whole half is enough; what is wrong with the
-    /// other one goes to the message service as a warning.
+    /// The current content of a store, verified. For a paired store one valid half is enough; damage to the
+    /// other one is reported to the message service as a warning.
     std::string Content(std::size_t position) const;
-    /// Whether one half of a pair holds the current content and the other one does not.
+    /// Whether only one half of a paired store has the current content.
     bool NeedsRepair(std::size_t position) const;
-    /// How large a content the store can take now.
+    /// The largest content, in bytes, that can be written to the store now.
     std::uint32_t RoomFor(const StoreRecord& store) const;
-    /// The bytes that a memory has behind its last store.
+    /// The number of bytes in a memory after its last store.
     std::uint32_t FreeOf(const ImageMemory& memory, const std::vector<StoreRecord>& stores) const;
-    /// The whole area of a store.
+    /// All bytes of a store's area.
     std::string ReadArea(const StoreRecord& store) const;
 
-    /// What a save makes of the image.
+    /// The changes that a save makes to the image.
     struct Change {
-        ImageDirectory directory;                     ///< but for its sequence and what tells of contents
-        std::map<std::size_t, std::string> contents;  ///< of those stores that get a new one
+        ImageDirectory directory;  ///< without its sequence number and the data about contents
+        std::map<std::size_t, std::string> contents;  ///< new contents, by store
     };
-    /// Checks that everything fits, writes the contents and then the directory that makes them count.
+    /// Checks that everything fits, writes the contents and then the directory, which activates them.
     void Commit(Change change);
 
 private:
     bool IsOneTime(const StoreRecord& store) const {
         return mHeader.MemoryOf(store.device)->oneTimeProgrammable;
     }
-    /// The current content as a half holds it; none when it is damaged there.
+    /// The current content in one half; empty if it is damaged there.
     std::optional<std::string> CurrentIn(const StoreRecord& store, std::uint32_t half) const;
     std::uint32_t NextSegment(const StoreRecord& store) const;
     void CheckRoom(const Change& change, const std::string& directory) const;

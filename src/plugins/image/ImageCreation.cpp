@@ -23,6 +23,7 @@ std::string_view NameOf(ImageFamily family) {
 
 void CreateImage(const std::string& connection, const ImageGeometry& geometry, bool force) {
     const std::string path = PathOfConnection(connection);
+    // An invalid geometry is found here, before the file is touched.
     const std::string bytes = RenderImage(LayOut(geometry), {});
     const files::FileLock lock(path, files::LockMode::EXCLUSIVE);
     const ImageSite site = LookAtSite(path);
@@ -31,11 +32,12 @@ void CreateImage(const std::string& connection, const ImageGeometry& geometry, b
                                                  " bytes, not of " + std::to_string(geometry.size));
     }
     if (!force && site.state == SiteState::Image)
-        throw Refusal(STR_OPERATION_INVALID, "there is a device image already");
+        throw Refusal(STR_OPERATION_INVALID, "a device image already exists");
     if (!force && site.state == SiteState::Other)
-        throw Refusal(STR_OPERATION_INVALID, "there is a file already, which is neither blank nor an image");
+        throw Refusal(STR_OPERATION_INVALID,
+                      "a file already exists that is neither blank nor a device image");
     if (!force && site.state == SiteState::Blank && site.size != geometry.size) {
-        throw Refusal(STR_OPERATION_INVALID, "there is a blank file of " + std::to_string(site.size) +
+        throw Refusal(STR_OPERATION_INVALID, "is a blank file of " + std::to_string(site.size) +
                                                  " bytes, not of " + std::to_string(geometry.size));
     }
     PutImage(path, site, bytes);

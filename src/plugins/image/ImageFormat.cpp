@@ -28,14 +28,14 @@ constexpr std::uint16_t FLAG_EVERY_ID = 2;
 constexpr std::uint16_t FLAG_OTHER_PLACES = 4;
 constexpr std::uint16_t FLAG_AUTOMATIC = 8;
 
-// All bits differ, so that no flipped bit makes one of the other.
+// They differ in all bits, so that flipped bits do not turn one into the other.
 constexpr char SELECTORS[] = {'\xA5', '\x5A'};
 
 static_assert(SELECTOR_OFFSET == HEADER_CRC_OFFSET + CRC_SIZE);
 
 [[noreturn]] void Damaged(const std::string& cause) { throw Refusal(STR_PACKINT_ERROR, cause); }
 
-/// A stretch of the image, which is not empty.
+/// A non-empty range of the image: start and end.
 using Stretch = std::pair<std::uint64_t, std::uint64_t>;
 
 Stretch StretchOf(std::uint64_t offset, std::uint64_t size) { return {offset, offset + size}; }
@@ -55,36 +55,36 @@ void CheckHeader(const ImageHeader& header) {
     for (const ImageMemory& memory : header.memories) {
         stretches.push_back(StretchOf(memory.offset, memory.size));
         if (memory.offset % ALIGNMENT != 0 || memory.size == 0 || !devices.insert(memory.device).second)
-            Damaged("the memory table of its header makes no sense");
+            Damaged("the memory table of its header is invalid");
     }
     const bool inside = std::ranges::all_of(stretches, [&](const Stretch& stretch) {
         return stretch.second <= header.size && stretch.first < stretch.second;
     });
     if (header.directoryBankSize > MOST_DIRECTORY_BANK_SIZE || !inside || Overlap(std::move(stretches)))
-        Damaged("the memories of its header overlap or lie outside of it");
+        Damaged("the memories of its header overlap or lie outside the image");
 }
 
 void CheckStore(const StoreRecord& store, const ImageHeader& header) {
     const auto fail = [&](const char* cause) { Damaged(NameOfStore(header.family, store) + ": " + cause); };
     const ImageMemory* memory = header.MemoryOf(store.device);
     if (memory == nullptr) {
-        fail("there is no such memory");
+        fail("the image has no such memory");
         return;
     }
     const std::uint64_t areaEnd = store.offset + store.AreaSize(memory->oneTimeProgrammable);
     if (store.bankSize < LEAST_BANK_SIZE || store.offset % ALIGNMENT != 0 || store.offset < memory->offset ||
         areaEnd > std::uint64_t{memory->offset} + memory->size)
-        fail("it lies outside of its memory");
+        fail("it lies outside its memory");
     if (store.length > store.bankSize - BANK_OVERHEAD) fail("its content is larger than the store");
-    if ((store.sequence == 0) != (store.length == 0)) fail("its content makes no sense");
+    if ((store.sequence == 0) != (store.length == 0)) fail("the length of its content is invalid");
     if (!memory->oneTimeProgrammable) {
-        if (store.current > 1) fail("it has no such bank");
+        if (store.current > 1) fail("its current bank is invalid");
         return;
     }
-    if (store.paired) fail("one-time-programmable stores have no pairs");
+    if (store.paired) fail("a one-time-programmable store cannot be paired");
     if (store.current % ALIGNMENT != 0 ||
         std::uint64_t{store.current} + BANK_OVERHEAD + store.length > store.bankSize)
-        fail("its content lies outside of the store");
+        fail("its content lies outside the store");
 }
 
 void CheckStores(const std::vector<StoreRecord>& stores, const ImageHeader& header) {
@@ -95,7 +95,7 @@ void CheckStores(const std::vector<StoreRecord>& stores, const ImageHeader& head
         const bool oneTime = header.MemoryOf(store.device)->oneTimeProgrammable;
         stretches.push_back(StretchOf(store.offset, store.AreaSize(oneTime)));
         if (!names.emplace(store.device, store.id).second)
-            Damaged(NameOfStore(header.family, store) + " is there twice");
+            Damaged(NameOfStore(header.family, store) + " is listed twice");
     }
     if (Overlap(std::move(stretches))) Damaged("stores overlap");
     if (std::ranges::count_if(stores, &StoreRecord::takesOtherPlaces) > 1)
@@ -164,13 +164,14 @@ std::string EncodeHeader(const ImageHeader& header) {
 }
 
 ImageHeader DecodeHeader(std::string_view bytes, std::uint64_t fileSize) {
-    if (!bytes.starts_with(IMAGE_MAGIC)) Damaged("it is no device image");
-    if (bytes.size() < HEAD_SIZE) Damaged("it ends in its header");
+    if (!bytes.starts_with(IMAGE_MAGIC)) Damaged("it is not a device image");
+    if (bytes.size() < HEAD_SIZE) Damaged("it ends within its header");
     ByteReader reader(bytes.substr(IMAGE_MAGIC.size()));
     if (const auto version = reader.Fixed<std::uint16_t>(); version != VERSION) {
-        Damaged("it has version " + std::to_string(version) + " of the format, and " +
-                std::to_string(VERSION) + " is known");
+        Damaged("it has format version " + std::to_string(version) + ", this library reads version " +
+                std::to_string(VERSION));
     }
+    // After the version: another version may have its checksum elsewhere.
     if (ByteReader(bytes.substr(HEADER_CRC_OFFSET)).Fixed<std::uint32_t>() !=
         Crc32(bytes.substr(0, HEADER_CRC_OFFSET)))
         Damaged("the checksum of its header is wrong");
@@ -184,12 +185,12 @@ ImageHeader DecodeHeader(std::string_view bytes, std::uint64_t fileSize) {
     const auto memories = reader.Fixed<std::uint8_t>();
     if (memories > MOST_MEMORIES) Damaged("its header has too many memories");
     header.chipId = reader.Fixed<std::uint16_t>();
-    reader.Raw(sizeof(std::uint16_t));
+    reader.Raw(sizeof(std::uint16_t));  // reserved
     for (std::uint32_t* field :
          {&header.size, &header.i2cMask, &header.directoryOffset, &header.directoryBankSize})
         *field = reader.Fixed<std::uint32_t>();
     if (header.size != fileSize || header.size > MOST_IMAGE_SIZE) {
-        Damaged("it has " + std::to_string(fileSize) + " bytes, and its header says " +
+        Damaged("it has " + std::to_string(fileSize) + " bytes, its header says " +
                 std::to_string(header.size));
     }
     ByteReader table(bytes.substr(HEADER_SIZE));
@@ -227,10 +228,11 @@ std::string EncodeDirectory(const ImageDirectory& directory) {
 ImageDirectory DecodeDirectory(std::string_view bank, const ImageHeader& header) {
     try {
         ByteReader reader(bank);
-        if (reader.Fixed<std::uint32_t>() != DIRECTORY_MAGIC) Damaged("it does not begin as one");
+        if (reader.Fixed<std::uint32_t>() != DIRECTORY_MAGIC) Damaged("its magic number is wrong");
         const auto length = reader.Fixed<std::uint32_t>();
         ByteReader fields(reader.Raw(length));
         const std::size_t end = reader.Offset();
+        // Nothing in the directory is interpreted before its checksum has been verified.
         if (reader.Fixed<std::uint32_t>() != Crc32(bank.substr(0, end))) Damaged("its checksum is wrong");
 
         ImageDirectory directory;
@@ -238,8 +240,7 @@ ImageDirectory DecodeDirectory(std::string_view bank, const ImageHeader& header)
         directory.resets = fields.Fixed<std::uint32_t>();
         directory.systemLabel = fields.Text();
         const auto count = fields.Fixed<std::uint16_t>();
-        if (fields.Left() != std::size_t{count} * STORE_RECORD_SIZE)
-            Damaged("it has not as many stores as it says");
+        if (fields.Left() != std::size_t{count} * STORE_RECORD_SIZE) Damaged("its number of stores is wrong");
         for (std::uint16_t i = 0; i < count; ++i) directory.stores.push_back(DecodeStore(fields));
         CheckStores(directory.stores, header);
         return directory;
@@ -271,6 +272,7 @@ FoundBank LookAtBank(std::string_view bytes) {
     FoundBank found;
     if (bytes.size() < BANK_OVERHEAD) return found;
     const std::string_view start = bytes.substr(0, BANK_OVERHEAD);
+    // Blank rewritable memory has all bits set, blank one-time-programmable memory none.
     found.isBlank = start == std::string(BANK_OVERHEAD, ERASED) || start == std::string(BANK_OVERHEAD, '\0');
     ByteReader reader(bytes);
     if (reader.Fixed<std::uint32_t>() != BANK_MAGIC) return found;

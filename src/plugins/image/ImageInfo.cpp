@@ -18,6 +18,7 @@ BankInfo BankInfoOf(const StoreRecord& store, std::string_view bytes, std::uint3
         return {half, 0, isEmpty ? BankState::Empty : BankState::Damaged};
     }
     if (!isCurrent) return {half, bank.sequence, BankState::Previous};
+    // The bank is valid, but not the one that the directory describes.
     if (bank.sequence != store.sequence || Crc32(bank.content) != store.crc)
         return {half, 0, BankState::Damaged};
     return {half, bank.sequence, BankState::Current};
@@ -35,8 +36,8 @@ std::vector<BankInfo> BanksOf(const StoreRecord& store, std::string_view area) {
     return banks;
 }
 
-/// The segments of one-time-programmable memory, one behind the other. What a save that was cut has left
-/// counts as one that is damaged.
+/// The segments of one-time-programmable memory, in order. The remains of an interrupted save count as one
+/// damaged segment.
 std::vector<BankInfo> SegmentsOf(const StoreRecord& store, std::string_view area) {
     std::vector<BankInfo> segments;
     const std::size_t end = area.find_last_not_of('\0') + 1;
@@ -44,11 +45,13 @@ std::vector<BankInfo> SegmentsOf(const StoreRecord& store, std::string_view area
         const bool isCurrent = store.sequence != 0 && at == store.current;
         const FoundBank found = LookAtBank(area.substr(at));
         const BankInfo segment = BankInfoOf(store, area.substr(at), 0, isCurrent);
+        // The length of a damaged segment is unknown, so it is skipped in steps of the alignment.
         const bool goesOn = segment.state == BankState::Damaged && !segments.empty() &&
                             segments.back().state == BankState::Damaged;
         if (!goesOn && segment.state != BankState::Empty) segments.push_back(segment);
         at = found.isWhole ? Align(at + BANK_OVERHEAD + found.content.size()) : at + ALIGNMENT;
     }
+    // The directory refers to a current segment that is not there at all.
     if (store.sequence != 0 && store.current >= end) segments.push_back({0, 0, BankState::Damaged});
     return segments;
 }

@@ -9,56 +9,56 @@
 
 namespace VemoKesConfigTools {
 
-/// What a bank of a store is good for: it counts, it holds what counted before, nothing was ever written to
-/// it, or it holds no whole content.
+/// The state of a bank: it has the current content or the previous one, was never written, or has no valid
+/// content.
 enum class BankState { Current, Previous, Empty, Damaged };
 
-/// A bank of a store, or of one-time-programmable memory a segment.
+/// A bank of a store, or a segment of one in one-time-programmable memory.
 struct BankInfo {
     std::uint32_t half = 0;      ///< of a paired store, 0 or 1
-    std::uint32_t sequence = 0;  ///< 0 when it is empty or damaged
+    std::uint32_t sequence = 0;  ///< 0 if it is empty or damaged
     BankState state = BankState::Empty;
 };
 
-/// A store, its sizes in bytes.
+/// A store; sizes are in bytes.
 struct StoreDetails {
     std::int32_t device = -1;  ///< a value of `IStoreManager::DEVICE`
     std::uint16_t id = 0;
     std::uint16_t applicationId = 0;
     std::uint32_t bankSize = 0;
     std::uint32_t free = 0;
-    std::uint32_t placeCount = 0;   ///< places in the current content, 0 when that is damaged
-    bool paired = false;            ///< every bank is there twice
-    bool automatic = false;         ///< made by a save
-    bool takesEveryId = false;      ///< of its device
-    bool takesOtherPlaces = false;  ///< that no other store takes
+    std::uint32_t placeCount = 0;   ///< places in the current content; 0 if that is damaged
+    bool paired = false;            ///< has a second copy of every bank
+    bool automatic = false;         ///< created by a save
+    bool takesEveryId = false;      ///< holds all stores of its device
+    bool takesOtherPlaces = false;  ///< holds all places that no other store holds
     std::vector<BankInfo> banks;
 };
 
-/// A memory, its sizes in bytes.
+/// A memory; sizes are in bytes.
 struct MemoryDetails {
     std::int32_t device = -1;
     std::uint32_t size = 0;
-    std::uint32_t free = 0;  ///< what no store has
+    std::uint32_t free = 0;  ///< not used by any store
     bool oneTimeProgrammable = false;
 };
 
-/// What an image is, without the keys in it.
+/// A description of an image, without its keys.
 struct ImageInfo {
     ImageFamily family = ImageFamily::Eeprom;
     std::uint16_t chipId = 0;  ///< 0 for any chip
-    std::string systemLabel;   ///< of the content, empty for any
+    std::string systemLabel;   ///< of the content; empty for any
     std::uint32_t size = 0;    ///< in bytes
     std::uint32_t i2cMask = 0;
-    std::uint32_t resets = 0;  ///< how often a save asked for a reset
+    std::uint32_t resets = 0;  ///< how often a save requested a reset
     std::vector<MemoryDetails> memories;
     std::vector<StoreDetails> stores;
 };
 
-/// Looks into an image. A damaged bank is told by its state; a damaged header or directory throws `Refusal`.
+/// Describes an image. A damaged bank is shown by its state; a damaged header or directory throws `Refusal`.
 ImageInfo ReadImageInfo(const std::string& connection);
 
-/// The system label of an image. Empty for a file that is no whole image, or an image without a label.
+/// The system label of an image; empty if the file is not a valid image or the image has no label.
 std::optional<std::string> SystemOfImage(const std::string& connection);
 
 }  // namespace VemoKesConfigTools

@@ -14,15 +14,15 @@ namespace {
 /// A memory of a family.
 struct MemoryPlan {
     IStoreManager::DEVICE device;
-    std::uint32_t fraction;  ///< of the image; 0 for the rest, which the last one takes
+    std::uint32_t fraction;  ///< 1/`fraction` of the image; 0 for the rest, as the last memory has
     bool oneTimeProgrammable = false;
-    bool hasStore = false;  ///< from the start, as large as the memory
+    bool hasStore = false;  ///< initially, as large as the memory
     bool takesEveryId = false;
     bool takesOtherPlaces = false;
 };
 
 constexpr std::uint32_t LEAST_MEMORY_SIZE = 64;
-/// What the directory has room for at least.
+/// The directory has room for a label of at least this length: a save may set a longer one than the initial.
 constexpr std::size_t LABEL_ROOM = 40;
 
 std::vector<MemoryPlan> PlanOf(ImageFamily family) {
@@ -57,7 +57,7 @@ std::uint32_t DirectoryBankSize(const ImageGeometry& geometry, std::size_t fixed
     return static_cast<std::uint32_t>(Align(EncodeDirectory(directory).size() + stores));
 }
 
-/// The size that the geometry asks for, if it tells sizes.
+/// The size of a memory in a geometry that lists sizes.
 std::uint64_t GivenSize(const ImageGeometry& geometry, const MemoryPlan& plan) {
     const auto found = std::ranges::find(geometry.memories, plan.device, &MemorySize::device);
     if (found == geometry.memories.end()) {
@@ -71,7 +71,7 @@ void CheckGeometry(const ImageGeometry& geometry, const std::vector<MemoryPlan>&
     if (geometry.size > MOST_IMAGE_SIZE) {
         throw Refusal(STR_OPERATION_INVALID, "an image has at most " + std::to_string(MOST_IMAGE_SIZE) +
                                                  " bytes, " + std::to_string(geometry.size) +
-                                                 " are asked for");
+                                                 " are requested");
     }
     for (auto memory = geometry.memories.begin(); memory != geometry.memories.end(); ++memory) {
         const std::string name = "the memory " + NameOfMemory(geometry.family, memory->device);
@@ -81,7 +81,7 @@ void CheckGeometry(const ImageGeometry& geometry, const std::vector<MemoryPlan>&
                           "the family " + std::string(NameOf(geometry.family)) + " does not have " + name);
         if (std::find_if(geometry.memories.begin(), memory,
                          [&](const MemorySize& other) { return other.device == memory->device; }) != memory)
-            throw Refusal(STR_OPERATION_INVALID, name + " is there twice");
+            throw Refusal(STR_OPERATION_INVALID, name + " is given twice");
     }
 }
 
@@ -91,7 +91,7 @@ StoreRecord FirstStore(const MemoryPlan& plan, const ImageMemory& memory) {
     store.takesEveryId = plan.takesEveryId;
     store.takesOtherPlaces = plan.takesOtherPlaces;
     store.offset = memory.offset;
-    store.bankSize = memory.size / 2 / ALIGNMENT * ALIGNMENT;
+    store.bankSize = memory.size / 2 / ALIGNMENT * ALIGNMENT;  // the area has two banks
     return store;
 }
 

@@ -7,18 +7,18 @@
 
 namespace VemoKesConfigTools {
 
-/// Where everything lies in an image that is to be made.
+/// The layout of an image that is to be created.
 struct ImageLayout {
     ImageHeader header;
     ImageDirectory directory;
 };
 
-/// Lays an image out: memories, and the stores that a family has from the start. Throws `Refusal` for sizes
-/// that cannot be.
+/// Determines the layout of an image: its memories, and the stores that its family has initially. Throws
+/// `Refusal` for invalid sizes.
 ImageLayout LayOut(const ImageGeometry& geometry);
 
-/// All bytes of the image. `contents` are those of the first stores; an empty one is none. Throws `Refusal`
-/// when one does not fit.
+/// All bytes of the image. `contents` are those of the first stores; an empty string stands for no content.
+/// Throws `Refusal` if one does not fit.
 std::string RenderImage(ImageLayout layout, const std::vector<std::string>& contents);
 
 }  // namespace VemoKesConfigTools

@@ -15,10 +15,10 @@ namespace VemoKesConfigTools {
 
 namespace {
 
-/// The places of a save by the stores that take them.
+/// The places of a save, by the stores that will hold them.
 struct SortedPlaces {
     std::vector<std::vector<EncodedPlace>> byStore;
-    /// Those that no store takes, by device and number of the store that they need.
+    /// Places without a store, by device and number of the store that must be created for them.
     std::map<std::pair<std::uint16_t, std::uint16_t>, std::vector<EncodedPlace>> homeless;
 };
 
@@ -28,7 +28,7 @@ std::pair<std::uint16_t, std::uint16_t> NewStoreFor(const ImageHeader& header, c
         throw Refusal(STR_OPERATION_INVALID, Describe(place) + ": the device has no store for it");
     if (place.store < 0 || place.store > MOST_ID) {
         throw Refusal(STR_OPERATION_INVALID,
-                      Describe(place) + ": stores have numbers from 0 to " + std::to_string(MOST_ID));
+                      Describe(place) + ": store numbers range from 0 to " + std::to_string(MOST_ID));
     }
     return {static_cast<std::uint16_t>(place.device), static_cast<std::uint16_t>(place.store)};
 }
@@ -47,7 +47,7 @@ SortedPlaces Sort(const DeviceImage& image, const std::vector<EncodedPlace>& pla
     return sorted;
 }
 
-/// The current content. Nothing for one that is damaged, where all of it is replaced anyway.
+/// The current content; empty if it is damaged but will be replaced completely anyway.
 std::optional<std::string> HeldContent(const DeviceImage& image, std::size_t store, bool isReplaced) {
     try {
         return image.Content(store);
@@ -57,16 +57,18 @@ std::optional<std::string> HeldContent(const DeviceImage& image, std::size_t sto
     }
 }
 
-/// The content that a store gets; nothing when it keeps its own.
+/// The new content of a store; empty if the store is not to be written.
 std::optional<std::string> NewContent(const DeviceImage& image, std::size_t store,
                                       const std::vector<EncodedPlace>& given, SaveKeeps keeps) {
     if (given.empty() && keeps != SaveKeeps::Nothing) {
+        // Writing the same content again restores the damaged half of a pair.
         if (!image.NeedsRepair(store)) return std::nullopt;
         return image.Content(store);
     }
     const StoreRecord& record = image.Directory().stores[store];
     const bool isOneTime = image.Header().MemoryOf(record.device)->oneTimeProgrammable;
     const bool isMerged = keeps == SaveKeeps::OtherKeys;
+    // The old content is needed to merge, and to check which bits one-time-programmable memory has set.
     const std::optional<std::string> held = HeldContent(image, store, !isOneTime && !isMerged);
     if (!held) return EncodeContent(given);
 
@@ -99,6 +101,7 @@ void SavePlaces(DeviceImage& image, const std::vector<EncodedPlace>& places, con
     }
     if (request.reset) ++change.directory.resets;
     if (!request.systemLabel.empty()) change.directory.systemLabel = request.systemLabel;
+    // If nothing changes, the image is not written at all, which spares the device a write cycle.
     const bool isSame = change.contents.empty() && !request.reset &&
                         change.directory.systemLabel == image.Directory().systemLabel;
     if (!isSame) image.Commit(std::move(change));

@@ -7,17 +7,17 @@
 
 namespace VemoKesConfigTools {
 
-/// What a save keeps of what the device holds.
+/// Which part of the device's content a save keeps.
 enum class SaveKeeps { Nothing, OtherStores, OtherKeys };
 
 struct SaveRequest {
     SaveKeeps keeps = SaveKeeps::Nothing;
-    bool reset = false;       ///< asks the device for a reset
+    bool reset = false;       ///< request a reset of the device
     std::string systemLabel;  ///< of the places
 };
 
-/// Saves places as a whole or not at all: every check comes before the first byte is written. Stores whose
-/// content would stay the same are left alone. Throws `Refusal`.
+/// Saves all places or none: all checks are made before the first byte is written. Stores whose content would
+/// not change are not written. Throws `Refusal`.
 void SavePlaces(DeviceImage& image, const std::vector<EncodedPlace>& places, const SaveRequest& request);
 
 }  // namespace VemoKesConfigTools

@@ -26,6 +26,8 @@ bool IsBlank(const files::InPlaceFile& file) {
 
 void WriteInPlace(const std::string& path, const ImageSite& site, std::string_view bytes) {
     files::InPlaceFile file(path, files::LockMode::EXCLUSIVE);
+    // The head is invalidated first and written last, each step synced: an interrupted write must not leave a
+    // valid head on incomplete content.
     if (site.state != SiteState::Blank) {
         file.Write(0, std::string(HEAD_SIZE, ERASED));
         file.Sync();
@@ -53,6 +55,7 @@ void PutImage(const std::string& path, const ImageSite& site, const std::string&
     try {
         files::ReplaceFile(path, bytes);
     } catch (const files::FileError& error) {
+        // No new file can be created here: fall back to writing in place, if the size allows it.
         const bool isFixed = error.Number() == EACCES || error.Number() == EPERM;
         if (!isFixed || site.state == SiteState::Missing || site.size != bytes.size()) throw;
         WriteInPlace(path, site, bytes);

@@ -5,22 +5,22 @@
 
 namespace VemoKesConfigTools {
 
-/// What is at the path of an image. Blank is a file of which all bytes are 0xFF, or all 0x00.
+/// What exists at the path of an image. A blank file has only bytes 0xFF, or only bytes 0x00.
 enum class SiteState { Missing, Blank, Image, Other };
 
 struct ImageSite {
     SiteState state = SiteState::Missing;
     std::uint64_t size = 0;      ///< in bytes
-    bool isBlockDevice = false;  ///< and so has a size that stays
+    bool isBlockDevice = false;  ///< which has a fixed size
 };
 
-/// Looks at a path. What begins as an image counts as one. Throws `FileError` for what cannot be read, and
-/// for what is neither a file nor a block device.
+/// Examines a path. A file that starts with the magic number counts as an image. Throws `FileError` if it
+/// cannot be read or is neither a file nor a block device.
 ImageSite LookAtSite(const std::string& path);
 
-/// Puts a whole new image there. A file is replaced as a whole. A device, and a file whose folder takes no
-/// other one, as the node that the kernel gives for a chip, is written in place, and is no image until all of
-/// it is there. Throws `FileError`.
+/// Writes a complete new image. A file is replaced atomically. A block device, or a file in a folder in which
+/// no files can be created, such as the kernel's node for a chip, is written in place and is not a valid
+/// image until it is complete. Throws `FileError`.
 void PutImage(const std::string& path, const ImageSite& site, const std::string& bytes);
 
 }  // namespace VemoKesConfigTools

@@ -15,7 +15,7 @@ constexpr std::uint64_t STEP = 64;
 
 std::uint64_t RoundUp(std::uint64_t size) { return (size + STEP - 1) / STEP * STEP; }
 
-/// The bank sizes that suit a content: as large as it should be, and as small as it can be.
+/// The preferred and the minimum bank size for a content.
 struct BankSizes {
     std::uint64_t wanted;
     std::uint64_t least;
@@ -23,12 +23,12 @@ struct BankSizes {
 
 BankSizes SizesFor(std::size_t contentSize, bool oneTime) {
     const std::uint64_t needed = contentSize + BANK_OVERHEAD;
-    // One-time-programmable memory takes a new segment with every save.
+    // In one-time-programmable memory every save adds a new segment.
     if (oneTime) return {RoundUp(std::max<std::uint64_t>(512, 4 * needed)), RoundUp(needed)};
     return {RoundUp(std::max<std::uint64_t>(256, 2 * needed)), RoundUp(needed)};
 }
 
-/// Where the next store of a memory begins.
+/// The offset of the next store in a memory.
 std::uint32_t NextOffset(const DeviceImage& image, const ImageMemory& memory,
                          const std::vector<StoreRecord>& stores) {
     return memory.offset + memory.size - image.FreeOf(memory, stores);
@@ -57,8 +57,10 @@ void AddStoresOf(const DeviceImage& image, const ImageMemory& memory,
         const BankSizes sizes = SizesFor(need->content.size(), oneTime);
         if (left < sizes.least * banks) NoRoom(image, store, left, sizes.least * banks);
         reserved -= sizes.least * banks;
-        // What stores behind this one need at least is not taken from them.
+        // Leave the minimum that the stores after this one need.
         const std::uint64_t most = left > reserved ? (left - reserved) / banks : 0;
+        // If the preferred size does not fit: one-time-programmable memory takes all that is left, since
+        // every save uses up some of it; other memory takes the minimum.
         const std::uint64_t fallback = oneTime ? most / ALIGNMENT * ALIGNMENT : sizes.least;
         const std::uint64_t size = sizes.wanted <= most ? sizes.wanted : std::max(sizes.least, fallback);
         store.offset = NextOffset(image, memory, stores);
@@ -86,6 +88,7 @@ std::optional<std::size_t> StoreFor(const ImageHeader& header, const std::vector
         if (store.takesOtherPlaces) return false;
         return store.device == place.device && (store.takesEveryId || store.id == place.store);
     };
+    // A store of its own or for its device takes precedence over that for all other places.
     auto found = std::ranges::find_if(stores, takes);
     if (found == stores.end()) {
         found = std::ranges::find_if(stores, &StoreRecord::takesOtherPlaces);
@@ -147,13 +150,13 @@ void MakeStore(DeviceImage& image, const CStoreInfo& wanted) {
         return other.device == store.device && (other.takesEveryId || other.takesOtherPlaces);
     };
     if (memory == nullptr || std::ranges::any_of(directory.stores, holdsDevice))
-        throw Refusal(STR_OPERATION_INVALID, name + ": the device has no such memory for stores");
+        throw Refusal(STR_OPERATION_INVALID, name + ": stores cannot be created in this memory");
     if (std::ranges::any_of(directory.stores, [&](const StoreRecord& other) {
             return other.device == store.device && other.id == store.id;
         }))
-        throw Refusal(STR_OPERATION_INVALID, name + " is there already");
+        throw Refusal(STR_OPERATION_INVALID, name + " already exists");
     if (store.paired && memory->oneTimeProgrammable)
-        throw Refusal(STR_OPERATION_INVALID, name + ": one-time-programmable stores have no pairs");
+        throw Refusal(STR_OPERATION_INVALID, name + ": a one-time-programmable store cannot be paired");
     if (store.bankSize < LEAST_BANK_SIZE) {
         throw Refusal(STR_OPERATION_INVALID, name + ": a size of " + std::to_string(store.bankSize) +
                                                  " bytes is too small, at least " +

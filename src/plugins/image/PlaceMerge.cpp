@@ -28,8 +28,11 @@ void Append(EncodedPlace& place, const KeyRecord& record) {
 
 EncodedPlace MergePlace(const EncodedPlace& held, const EncodedPlace& given) {
     EncodedPlace merged{held.place, 0, {}};
+    // A given place without an order keeps that on the device.
     if (given.place.order != 0) merged.place.order = given.place.order;
     const std::vector<KeyRecord> givenRecords = SplitRecords(given);
+    // `rest` has the given keys that are still to be written. A key that is held several times is replaced at
+    // its first occurrence and omitted at the others.
     RecordsByKey rest = ByKey(givenRecords);
     const RecordsByKey replacing = rest;
     for (const KeyRecord& record : SplitRecords(held)) {
@@ -52,6 +55,7 @@ std::string BytesOf(const IPayload& payload) {
     return bytes;
 }
 
+/// In ascending order of severity: the result for several values is the maximum.
 enum class Fit { SetsBits, ClearsBits, HasAnotherForm };
 
 Fit FitOf(const IPayload& held, const IPayload& wanted) {
@@ -59,6 +63,7 @@ Fit FitOf(const IPayload& held, const IPayload& wanted) {
     const auto* wantedFields = dynamic_cast<const CComplexPayload*>(&wanted);
     if (held.Type() != wanted.Type() || (heldFields == nullptr) != (wantedFields == nullptr))
         return Fit::HasAnotherForm;
+    // Composites are compared by fields, so that the types of the fields are checked too.
     if (heldFields != nullptr) {
         const auto& fields = heldFields->GetFields();
         if (fields.size() != wantedFields->GetFields().size()) return Fit::HasAnotherForm;
@@ -105,12 +110,13 @@ void CheckPlace(const EncodedPlace& held, const EncodedPlace& wanted, const std:
             return Refusal(STR_OPERATION_INVALID,
                            "one-time-programmable " + store + ": " + NameOfKey(record) + what);
         };
+        // A place may have a key several times: the n-th one takes the cells of the n-th one before.
         const std::size_t nth = seen[record.key]++;
         const auto found = wantedByKey.find(record.key);
-        if (found == wantedByKey.end() || found->second.size() <= nth) throw refusal(" would be taken out");
+        if (found == wantedByKey.end() || found->second.size() <= nth) throw refusal(" would be removed");
         const Fit fit = FitOf(record, *found->second[nth]);
         if (fit == Fit::ClearsBits) throw refusal(" would have bits cleared");
-        if (fit == Fit::HasAnotherForm) throw refusal(" would get a value of another form");
+        if (fit == Fit::HasAnotherForm) throw refusal(" would get a value of a different type or size");
     }
 }
 

@@ -16,15 +16,16 @@ std::uint16_t ChipIdOf(IMetadataProvider* provider, CKesContext& context) {
 
 void ExpectChip(const ImageHeader& header, IMetadataProvider* provider, CKesContext& context) {
     const std::uint16_t id = ChipIdOf(provider, context);
+    // An image with id 0 fits any chip; an id of 0 in the context means that the metadata has none.
     if (header.chipId == 0 || id == 0 || header.chipId == id) return;
-    throw Refusal(STR_OPERATION_INVALID, "is for the chip " + std::to_string(header.chipId) + ", and " +
-                                             context.Chip() + " has the chip " + std::to_string(id));
+    throw Refusal(STR_OPERATION_INVALID, "is for chip " + std::to_string(header.chipId) + ", but " +
+                                             context.Chip() + " has chip " + std::to_string(id));
 }
 
 void ExpectSystem(const ImageDirectory& directory, const CKesContext& context) {
     if (directory.systemLabel.empty() || directory.systemLabel == context.Chip()) return;
     throw Refusal(STR_OPERATION_INVALID,
-                  "is of the system " + directory.systemLabel + ", the configuration of " + context.Chip());
+                  "is for system " + directory.systemLabel + ", the configuration is for " + context.Chip());
 }
 
 }  // namespace VemoKesConfigTools

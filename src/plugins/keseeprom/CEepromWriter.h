@@ -8,9 +8,9 @@
 
 namespace VemoKesConfigTools {
 
-/// Writes a configuration to the EEPROM of a device, in place of all that it held. `STR_EEPROM_SIZE_EXP` says
-/// how large it is, as a power of two, and `STR_EEPROM_I2C_MASK` what its header says of the bus; without
-/// them it is as it is. A blank chip is formatted.
+/// Writes a configuration to the EEPROM of a device, replacing its whole content. `STR_EEPROM_SIZE_EXP` gives
+/// its size as a power of two and `STR_EEPROM_I2C_MASK` the bus address mask in its header; an existing image
+/// must match them. Tags that are not set are not checked. A blank chip is formatted.
 class CEepromWriter final : public CBinaryWriter {
 public:
     explicit CEepromWriter(std::string connection) : mConnection(std::move(connection)) {}

@@ -1,4 +1,4 @@
-// Binds the EEPROM of a device to the name "KesEeprom".
+// Registers the reader and the writer of a device's EEPROM under the name "KesEeprom".
 
 #include "plugins/image/CImageReader.h"
 #include "plugins/keseeprom/CEepromWriter.h"

@@ -18,7 +18,7 @@ CImageReader::PlaceFilter CIspReader::FilterOf(const CKesContext& context) const
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, set);
     if (error != std::errc() || stop != end)
-        throw Refusal(STR_OPERATION_INVALID, "the store set \"" + text + "\" is no number");
+        throw Refusal(STR_OPERATION_INVALID, "invalid store set \"" + text + "\", must be a number");
     if (set == Manager::DEVICE_NONE || set == Manager::DEVICE_ALL) return CImageReader::FilterOf(context);
     if (set == Manager::DEVICE_DEV_CFG) {
         return [](const BinaryPlace& place) {

@@ -7,8 +7,8 @@
 
 namespace VemoKesConfigTools {
 
-/// Reads the store sets of a device. `STR_STORESET_FILTER` chooses one by its device number: 15 is all that
-/// is in no other set; no value, -1 and 7 are everything.
+/// Reads the store sets of a device. `STR_STORESET_FILTER` selects one by its device number: 15 selects
+/// everything that is in no other set; an empty value, -1 and 7 select everything.
 class CIspReader final : public CImageReader {
 public:
     explicit CIspReader(std::string connection) : CImageReader(std::move(connection), ImageFamily::Isp) {}

@@ -8,8 +8,8 @@
 
 namespace VemoKesConfigTools {
 
-/// Writes a configuration to the store sets of a device: those in which it has a place are replaced, the
-/// others stay. With `STR_RESET_DEVICE_AFTER` the device is asked for a reset.
+/// Writes a configuration to the store sets of a device: those for which it has places are replaced, the
+/// others are unchanged. With `STR_RESET_DEVICE_AFTER` the device is requested to reset.
 class CIspWriter final : public CBinaryWriter {
 public:
     explicit CIspWriter(std::string connection) : mConnection(std::move(connection)) {}

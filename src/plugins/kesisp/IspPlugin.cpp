@@ -1,4 +1,4 @@
-// Binds the store sets of a device to the name "KesIsp".
+// Registers the reader and the writer of a device's store sets under the name "KesIsp".
 
 #include "plugins/kesisp/CIspReader.h"
 #include "plugins/kesisp/CIspWriter.h"

@@ -1,4 +1,4 @@
-// Binds the reader and the writer of the text format to the name "KesText".
+// Registers the reader and the writer of the text format under the name "KesText".
 
 #include "kes/configtools/readerwriters/kestext/common/kesparser/CKesConfigReader.h"
 #include "kes/configtools/readerwriters/kestext/common/keswriter/CKesWriter.h"
@@ -10,7 +10,7 @@ namespace {
 
 using namespace VemoKesConfigTools;
 
-/// A connection is the name of a file; without one the argument is the `std::iostream` to work on.
+/// The connection is the name of a file; if it is empty, the argument is the `std::iostream` to use.
 IConfigReader* CreateReader(const char* connection, void* argument) {
     return KesPluginCreate<IConfigReader>([&]() -> IConfigReader* {
         if (*connection != '\0') return new CKesConfigReader(std::string(connection));
@@ -19,7 +19,7 @@ IConfigReader* CreateReader(const char* connection, void* argument) {
     });
 }
 
-/// The connection as for a reader. The caller sets the metadata provider.
+/// Connection and argument are as for the reader. The caller sets the metadata provider.
 IConfigWriter* CreateWriter(const char* connection, void* argument) {
     return KesPluginCreate<IConfigWriter>([&]() -> IConfigWriter* {
         if (*connection != '\0') return new CKesWriter(std::string(connection), nullptr);

@@ -1,6 +1,7 @@
 #pragma once
 
-// The door for authors of plug-ins. A plug-in is one module file `NAME.kpm` that links against the library:
+// The interface for authors of plug-ins. A plug-in is a module file `NAME.kpm` that links against the
+// library:
 //
 //     #include "plugins/kit/KesPlugin.h"
 //
@@ -13,7 +14,7 @@
 //
 //     KES_PLUGIN_DESCRIBE("MyFormat", CreateReader, nullptr, nullptr, nullptr)
 //
-// The creators may be called on any thread, and any number of times.
+// The creators may be called on any thread and any number of times.
 
 #include "messages/CTheMsgHnd.h"
 #include "model/IConfigReader.h"
@@ -30,7 +31,7 @@
 #define KES_PLUGIN_EXPORT extern "C" __attribute__((visibility("default")))
 #endif
 
-/// Defines the entry function of the plug-in. `name` is a text constant; each creator is a function or
+/// Defines the entry function of the plug-in. `name` is a string literal; each creator is a function or
 /// nullptr.
 #define KES_PLUGIN_DESCRIBE(name, createReader, createWriter, createStoreManager, createMetadataProvider) \
     KES_PLUGIN_EXPORT const VemoKesConfigTools::KesPluginDescriptor* KesPluginDescribe() {                \
@@ -46,7 +47,8 @@
 
 namespace VemoKesConfigTools {
 
-/// Runs the body of a creator. An exception of any kind becomes an error of number 1 and a null result.
+/// Runs the body of a creator. Any exception is stored as an error of number 1, and the result is null:
+/// exceptions must not cross the plug-in boundary.
 template <typename Interface, typename Make>
 Interface* KesPluginCreate(Make make) noexcept {
     const auto report = [](const char* reason) {
@@ -62,7 +64,7 @@ Interface* KesPluginCreate(Make make) noexcept {
             report("unknown exception");
         }
     } catch (...) {
-        // There is no memory left to tell it.
+        // There is not even enough memory to report the error.
     }
     return nullptr;
 }

@@ -9,7 +9,7 @@
 
 namespace VemoKesConfigTools {
 
-/// Makes and lists the stores of a device. The device is looked at anew in each operation.
+/// Creates and lists the stores of a device. Each operation reads the device again.
 class CKldStoreManager final : public IStoreManager {
 public:
     explicit CKldStoreManager(std::string connection) : mConnection(std::move(connection)) {}
@@ -18,7 +18,7 @@ public:
     ~CKldStoreManager() override { ClearStoreList(mStores); }
 
     void CreateStore(CStoreInfo& store, IConfigContext& context) override;
-    /// Sets the store to what the device has under its device and number.
+    /// Updates `store` from the store on the device with the same device number and store number.
     void RefreshStoreInfo(CStoreInfo& store, IConfigContext& context) override;
     const std::list<CStoreInfo*>& GetStoresInfo(IConfigContext& context) override;
 

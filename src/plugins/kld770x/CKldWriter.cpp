@@ -11,6 +11,7 @@ void CKldWriter::Save(std::vector<EncodedPlace> places, CKesContext& context, st
     subject = mConnection;
     DeviceImage image(PathOfConnection(mConnection), files::LockMode::EXCLUSIVE, ImageFamily::Kld);
     ExpectChip(image.Header(), Provider(), context);
+    // Without merging, nothing of another system would remain.
     if (mIsMerging) ExpectSystem(image.Directory(), context);
     SavePlaces(image, places,
                {mIsMerging ? SaveKeeps::OtherKeys : SaveKeeps::Nothing, /*reset=*/false, context.Chip()});

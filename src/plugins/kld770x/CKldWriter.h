@@ -8,11 +8,11 @@
 
 namespace VemoKesConfigTools {
 
-/// Writes a configuration to the stores of a device, and makes those that are missing.
+/// Writes a configuration to the stores of a device and creates missing ones.
 class CKldWriter final : public CBinaryWriter {
 public:
-    /// When it merges, keys of the configuration replace equal ones on the device and all others stay;
-    /// otherwise the device holds the configuration and nothing else afterwards.
+    /// With merging, keys of the configuration replace the same keys on the device and all others stay.
+    /// Without, the device contains only the configuration afterwards.
     CKldWriter(std::string connection, bool isMerging)
         : mConnection(std::move(connection)), mIsMerging(isMerging) {}
 

@@ -1,4 +1,5 @@
-// Binds the non-volatile stores of a device to the name "KLD770xDevice".
+// Registers the reader, the writer and the store manager of a device's non-volatile stores under the name
+// "KLD770xDevice".
 
 #include "plugins/image/CImageReader.h"
 #include "plugins/kit/KesPlugin.h"
@@ -13,8 +14,8 @@ IConfigReader* CreateReader(const char* connection, void* /*argument*/) {
     return KesPluginCreate<IConfigReader>([&] { return new CImageReader(connection, ImageFamily::Kld); });
 }
 
-/// The argument points to a bool, whether to merge with what the device holds; without one it does, so that
-/// nothing is lost.
+/// The argument points to a bool: whether to merge with the content of the device. Without an argument it
+/// merges, so that nothing is lost.
 IConfigWriter* CreateWriter(const char* connection, void* argument) {
     return KesPluginCreate<IConfigWriter>([&] {
         const bool isMerging = argument == nullptr || *static_cast<const bool*>(argument);

@@ -10,7 +10,7 @@ namespace VemoKesConfigTools {
 
 namespace {
 
-/// The stores that a text lists too, in the order in which it gives them.
+/// Whether the reader of texts reports stores of this device as well.
 bool IsStore(std::int32_t device) {
     return device == IStoreManager::DEVICE_OTP || device == IStoreManager::DEVICE_MTP ||
            device == IStoreManager::DEVICE_SMEM || device == IStoreManager::DEVICE_EEPROM;
@@ -20,6 +20,7 @@ bool IsStore(std::int32_t device) {
 
 std::string CPackintReader::Content() const {
     if (mpStream == nullptr) return files::ReadFile(mFileName, files::Readable::REGULAR_FILES).bytes;
+    // An earlier read may have left the stream at its end, with `eofbit` set.
     mpStream->clear();
     mpStream->seekg(0, std::ios::end);
     const std::streamoff size = mpStream->tellg();
@@ -36,10 +37,11 @@ std::vector<EncodedPlace> CPackintReader::Collect(CKesContext& context, std::str
     Chunk chunk = DecodeChunk(Content());
     if (chunk.system != context.Chip()) {
         throw Refusal(STR_OPERATION_INVALID,
-                      "is of the system " + chunk.system + ", the configuration of " + context.Chip());
+                      "is for system " + chunk.system + ", the configuration is for " + context.Chip());
     }
     const BinaryPlace& place = chunk.place.place;
     if (IsStore(place.device)) {
+        // A chunk file does not contain the size of the store.
         constexpr std::int32_t UNKNOWN_SIZE = -1;
         AddStore({static_cast<IStoreManager::DEVICE>(place.device), static_cast<std::uint16_t>(place.store),
                   static_cast<std::uint32_t>(UNKNOWN_SIZE), UNKNOWN_SIZE, 0, place.order, false});

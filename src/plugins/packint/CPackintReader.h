@@ -9,13 +9,13 @@
 
 namespace VemoKesConfigTools {
 
-/// The reader of one chunk file, from a file or a stream.
+/// Reads one chunk file, from a file or a stream.
 class CPackintReader final : public CBinaryReader {
 public:
-    /// Reads the file of this name, opened anew for each read.
+    /// Reads the file with this name, which is opened again for each read.
     explicit CPackintReader(std::string fileName) : mFileName(std::move(fileName)) {}
-    /// Reads the whole of the stream, not owned, wherever it stands and whatever state it is in. The tag
-    /// `STR_INPUT_FILE`, where the context has it, is what messages name.
+    /// Reads the whole stream, regardless of its position and state; it is not owned. Messages use the name
+    /// in the context's tag `STR_INPUT_FILE`.
     explicit CPackintReader(std::istream* stream) : mpStream(stream) {}
 
 protected:

@@ -14,7 +14,8 @@ namespace VemoKesConfigTools {
 
 namespace {
 
-/// The chunk files of a folder that a save does not write again.
+/// The chunk files of a folder that the save does not write. Only files that begin like a chunk file count:
+/// others may have the extension by chance and must not be removed.
 std::vector<std::string> Leftovers(const std::string& folder, const std::set<std::string>& written) {
     constexpr std::size_t ENOUGH = 16;
     std::vector<std::string> leftovers;
@@ -32,6 +33,7 @@ std::vector<std::string> Leftovers(const std::string& folder, const std::set<std
 void CPackintWriter::Save(std::vector<EncodedPlace> places, CKesContext& context, std::string& /*subject*/) {
     if (!context.TagMatches(STR_FILE_MODE, STR_FILE_MODE_DIR))
         throw Refusal(STR_OPERATION_INVALID, mFolder + ": chunk files are written to a folder");
+    // Locks the folder before it is listed, so that no other save changes it in between.
     files::SetWriter writer(mFolder);
     files::SetChange change;
     std::set<std::string> written;

@@ -8,9 +8,9 @@
 
 namespace VemoKesConfigTools {
 
-/// Writes a folder of chunk files, one for each place. Chunk files that are there and that this
-/// configuration does not have are removed; other files are never touched. A reader finds all old files or
-/// all new ones, wherever the save was cut.
+/// Writes a folder of chunk files, one for each place. Existing chunk files of places that the configuration
+/// does not have are removed; other files are never touched. A reader finds all old files or all new ones,
+/// even if the save was interrupted.
 class CPackintWriter final : public CBinaryWriter {
 public:
     explicit CPackintWriter(std::string folder) : mFolder(std::move(folder)) {}

@@ -1,4 +1,4 @@
-// Binds the reader and the writer of chunk files to the name "Packint".
+// Registers the reader and the writer of chunk files under the name "Packint".
 
 #include "plugins/kit/KesPlugin.h"
 #include "plugins/packint/CPackintReader.h"
@@ -10,7 +10,7 @@ namespace {
 
 using namespace VemoKesConfigTools;
 
-/// A connection is the name of a file; without one the argument is the `std::iostream` to work on.
+/// The connection is the name of a file; if it is empty, the argument is the `std::iostream` to use.
 IConfigReader* CreateReader(const char* connection, void* argument) {
     return KesPluginCreate<IConfigReader>([&]() -> IConfigReader* {
         if (*connection != '\0') return new CPackintReader(std::string(connection));
@@ -19,7 +19,7 @@ IConfigReader* CreateReader(const char* connection, void* argument) {
     });
 }
 
-/// A connection is the name of a folder.
+/// The connection is the name of a folder.
 IConfigWriter* CreateWriter(const char* connection, void* /*argument*/) {
     return KesPluginCreate<IConfigWriter>([&]() -> IConfigWriter* {
         return *connection == '\0' ? nullptr : new CPackintWriter(std::string(connection));

@@ -62,12 +62,12 @@ const IMetadata& CLoadedSubsystem::ByName(std::string_view name) const {
                 [&] { return FindName(name); });
 }
 
-/// Most questions are about the record of the last one again, or the next, since texts and configurations
-/// mostly have the order of the database. These two are in the caches already, the index is not.
+/// Tries the last result and the record after it first: texts and configurations are mostly in the order of
+/// the database, and these two records are likely to be in the CPU cache, unlike the index.
 template <typename IsIt, typename Find>
 const IMetadata& CLoadedSubsystem::Look(IsIt isIt, Find find) const {
     for (std::uint32_t i = mLastFound; !mHasTwins && i < mRecords.size() && i <= mLastFound + 1; ++i) {
-        // Keys without a number, like struct fields, are left to the index.
+        // A record without a number may be a struct field, which must not be found; the index has only keys.
         if (mRecords[i].Psid() == 0 || !isIt(mRecords[i])) continue;
         mLastFound = i;
         return mRecords[i];
@@ -100,7 +100,8 @@ void CLoadedSubsystem::AddEnums(const std::vector<metadb::EnumType>& enums) {
 }
 
 void CLoadedSubsystem::AddStructs(const std::vector<metadb::StructType>& structs) {
-    // A field may be of a struct that comes later, so each struct waits for those that it holds.
+    // A field may have a struct type that is defined later, so the structs that a struct contains are built
+    // first. A struct that contains itself has been rejected when the database was loaded.
     std::map<std::string_view, const metadb::StructType*> waiting;
     for (const metadb::StructType& type : structs) waiting.emplace(type.name, &type);
     const auto build = [&](const auto& self, const metadb::StructType& type) -> void {
@@ -126,7 +127,7 @@ void CLoadedSubsystem::AddStructs(const std::vector<metadb::StructType>& structs
     }
 }
 
-/// Adds a record and gives its number.
+/// Adds a record and returns its position in `mRecords`.
 std::uint32_t CLoadedSubsystem::Add(const metadb::RecordData& data, std::uint32_t psid,
                                     const std::vector<metadb::IndexData>& indexes) {
     const Type type = TypeOf(data.type);

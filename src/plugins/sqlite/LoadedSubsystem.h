@@ -15,22 +15,22 @@
 
 namespace VemoKesConfigTools {
 
-/// The records of one subsystem, found by number and by name from hashes. They stay where they are for as
-/// long as this lives.
+/// The records of one subsystem, with hash lookup by number and by name. The records do not move during the
+/// lifetime of this object.
 class CLoadedSubsystem {
 public:
     explicit CLoadedSubsystem(const metadb::SubsystemData& data);
     CLoadedSubsystem(const CLoadedSubsystem&) = delete;
     CLoadedSubsystem& operator=(const CLoadedSubsystem&) = delete;
 
-    /// All records by uid, those of struct fields among them, which have the psid 0.
+    /// All records by uid, including those of struct fields, whose psid is 0.
     const std::map<std::int32_t, const IMetadata*>& List() const { return mByUid; }
-    /// A record, or the null record. Only keys are found by number and name.
+    /// A record, or the null record. Lookups by number and name find only keys, not struct fields.
     const IMetadata& ByUid(std::uint32_t uid) const;
     const IMetadata& ByPsid(std::uint32_t psid) const;
     const IMetadata& ByName(std::string_view name) const;
 
-    /// One line of the text format for each default value: key number, indexes, value.
+    /// The default values, one line of the text format each: key number, indexes, value.
     const std::string& DefaultLines() const { return mDefaultLines; }
 
 private:
@@ -54,12 +54,12 @@ private:
     CMetadataDetailSimple mSimple;
     std::deque<CStructField> mFields;
     CTextPool mTexts;
-    std::vector<CSqliteMetadata> mRecords;  ///< never grows beyond its first room, so that records stay
+    std::vector<CSqliteMetadata> mRecords;  ///< never grows beyond its reserved size: records are referenced
     std::map<std::int32_t, const IMetadata*> mByUid;
     CRecordIndex mByPsid;
     CRecordIndex mByName;
-    bool mHasTwins = false;                ///< keys share a number, of which the first is meant
-    mutable std::uint32_t mLastFound = 0;  ///< the record that was found last
+    bool mHasTwins = false;                ///< some keys share a number; lookups return the first of them
+    mutable std::uint32_t mLastFound = 0;  ///< the result of the last lookup
     std::string mDefaultLines;
 };
 

@@ -6,16 +6,16 @@
 
 namespace VemoKesConfigTools {
 
-/// Finds records, given by their numbers, by a hash of what they are looked up by. It is one array of small
-/// entries, so that a question costs little more than to look at the record itself.
+/// A hash index of records, which are identified by numbers. It is one array of small entries, so that a
+/// lookup costs little more than reading the record itself.
 class CRecordIndex {
 public:
     static constexpr std::uint32_t NONE = 0xFFFFFFFF;
 
-    /// Has room for this many records and no more.
+    /// Has room for exactly this many records.
     explicit CRecordIndex(std::size_t records) : mEntries(records + records / 2 + 1) {}
 
-    /// The first record that was added with this hash and for which `isIt` holds; `NONE` when there is none.
+    /// The first record added with this hash for which `isIt` returns true; `NONE` if there is none.
     template <typename IsIt>
     std::uint32_t Find(std::uint32_t hash, IsIt isIt) const {
         std::size_t i = HomeOf(hash);
@@ -40,7 +40,7 @@ private:
     }
     std::size_t Next(std::size_t i) const { return i + 1 == mEntries.size() ? 0 : i + 1; }
 
-    std::vector<Entry> mEntries;  ///< open addressing; always has a free entry
+    std::vector<Entry> mEntries;  ///< open addressing; always has a free entry, which ends a search
 };
 
 }  // namespace VemoKesConfigTools

@@ -21,7 +21,8 @@ const CLoadedSubsystem& Nothing() {
     return nothing;
 }
 
-/// Stores an error, unless it is the newest already: a read asks about every key.
+/// Stores an error unless it is already the newest one: reading a configuration queries every key, and one
+/// error is enough.
 void Report(const std::string& text) {
     CMessageHandler& handler =
         CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_DEFAULT, "CSqliteProvider", false);
@@ -34,7 +35,8 @@ void Report(const std::string& text) {
 
 }  // namespace
 
-/// A subsystem, loaded on demand; a fault instead of records when that failed.
+/// A system with its subsystems. A slot holds the records of one, loaded on demand, or the reason why loading
+/// failed, which is not tried again.
 struct CSqliteProvider::System {
     struct Slot {
         std::unique_ptr<CLoadedSubsystem> loaded;
@@ -59,7 +61,7 @@ struct CSqliteProvider::System {
     std::array<Slot, std::size(SUBSYSTEM_NAMES)> slots;  ///< by subsystem type
 };
 
-/// What one opening of the file has given.
+/// What opening the file returned.
 struct CSqliteProvider::Content {
     std::optional<metadb::MetadataDatabase> database;
     std::string fault;  ///< why there is no database
@@ -97,6 +99,7 @@ CSqliteProvider::System* CSqliteProvider::FindSystem(IConfigContext& context) {
 }
 
 const CLoadedSubsystem& CSqliteProvider::Find(IConfigContext& context) {
+    // Fast path for the library's own context, whose members need no lookup of tags by name.
     if (typeid(context) == typeid(CKesContext)) {
         const auto& place = static_cast<const CKesContext&>(context);
         const auto type = static_cast<std::uint32_t>(place.SubsystemType());
@@ -171,6 +174,7 @@ void CSqliteProvider::Refresh() {
 bool CSqliteProvider::Read(IConfigContext& context) {
     const std::uint64_t errorsBefore = CTheMsgHnd::ErrorsEver();
     const std::string& lines = Find(context).DefaultLines();
+    // `Find` returns an empty subsystem both for an unknown one and after a failure, which stores an error.
     if (CTheMsgHnd::ErrorsEver() != errorsBefore) return false;
     if (lines.empty()) return true;
 

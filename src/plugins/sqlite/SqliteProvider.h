@@ -14,13 +14,13 @@
 
 namespace VemoKesConfigTools {
 
-/// The metadata of one database file, which is opened read-only. The records of a subsystem are loaded when
-/// they are first asked for and kept, also across `Refresh`, until the provider goes.
+/// The metadata of one database file, which is opened read-only. The records of a subsystem are loaded on
+/// first use and kept, also across `Refresh`, until the provider is destroyed.
 ///
-/// A file that is missing, is no metadata database or is damaged stores an error of number 0 that names file
-/// and cause, when it is opened and again with each question; answers are then empty or not valid.
+/// If the file is missing, is not a metadata database or is damaged, an error of number 0 that names the file
+/// and the cause is stored when it is opened and again on each query; results are then empty or not valid.
 ///
-/// As a reader it gives the default values of the context's subsystem, by way of the reader "KesText".
+/// As a reader it supplies the default values of the context's subsystem, using the reader "KesText".
 class CSqliteProvider final : public IMetadataProvider, public IConfigReader {
 public:
     explicit CSqliteProvider(const std::string& path);
@@ -37,7 +37,7 @@ public:
     void Refresh() override;
 
     void SetObserver(IConfigReaderObserver* observer) override { mpObserver = observer; }
-    /// The reader that does the work has one of its own.
+    /// Not used: the reader "KesText" does the work.
     void SetElementObserver(IConfigReaderElementObserver* /*observer*/) override {}
     void SetMetadataProvider(IMetadataProvider* /*provider*/) override {}
     bool Read(IConfigContext& context) override;
@@ -52,9 +52,9 @@ private:
     const CLoadedSubsystem& Load(System& system, std::int32_t type);
 
     std::string mPath;
-    std::unique_ptr<Content> mpContent;              ///< null until the next question
-    std::vector<std::unique_ptr<Content>> mRetired;  ///< records that were handed out before a `Refresh`
-    // The system of the last question, which most questions repeat.
+    std::unique_ptr<Content> mpContent;              ///< null until the next query
+    std::vector<std::unique_ptr<Content>> mRetired;  ///< from before a `Refresh`; records are still in use
+    // The system of the last query: most queries are for the same one again.
     std::string mLastChip;
     System* mpLastSystem = nullptr;
 

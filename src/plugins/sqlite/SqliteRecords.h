@@ -18,10 +18,10 @@
 
 namespace VemoKesConfigTools {
 
-/// The record of a key or struct field. Its texts are kept by a pool.
+/// The record of a key or struct field. A pool owns its texts.
 class CSqliteMetadata final : public IMetadata {
 public:
-    /// `detail` belongs to the type and outlives the record; null for a type that nobody knows.
+    /// `detail` belongs to the type and must outlive the record; null for an unknown type.
     CSqliteMetadata(const metadb::RecordData& data, std::uint32_t psid, MetadataTypeEnum type,
                     const IMetadataDetail* detail, const std::vector<metadb::IndexData>& indexes,
                     CTextPool& texts);
@@ -52,11 +52,11 @@ public:
         return position == 0 || position > mIndexes.size() ? nullptr : &mIndexes[position - 1U];
     }
 
-    /// The name, without a copy of it.
+    /// The name, without copying it.
     std::string_view NameText() const { return mName; }
 
 private:
-    // What a reader asks of every key stands in front, in few cache lines.
+    // The members that a reader needs for every key come first, so that they share few cache lines.
     std::uint32_t mPsid;
     std::int32_t mUid;
     MetadataTypeEnum mType;

@@ -7,6 +7,7 @@ namespace VemoKesConfigTools {
 std::string_view CTextPool::Keep(std::string_view text) {
     if (text.empty()) return {};
     if (text.size() > mLeft) {
+        // The rest of the old block is given up: texts are short compared with a block.
         mLeft = std::max(BLOCK, text.size());
         mpFree = mBlocks.emplace_back(new char[mLeft]).get();
     }

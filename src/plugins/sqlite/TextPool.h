@@ -8,13 +8,13 @@
 
 namespace VemoKesConfigTools {
 
-/// Keeps texts side by side and where they are, for as long as it lives: records have many short ones, and
-/// many of these are the same.
+/// Owns texts, stored contiguously at fixed addresses: records have many short texts, and many of them are
+/// equal.
 class CTextPool {
 public:
-    /// A copy of the text.
+    /// Stores a copy of the text.
     std::string_view Keep(std::string_view text);
-    /// The one copy of a text that may have come before.
+    /// Stores a copy of the text, or returns an existing one.
     std::string_view Share(std::string_view text);
 
 private:

@@ -1,7 +1,7 @@
 #include "tool/config/ConfigSource.h"
 
 #include "files/Files.h"
-#include "host/HostString.h"
+#include "tool/keys/Session.h"
 #include "tool/output/ExitCodes.h"
 
 namespace kes::tool {
@@ -38,11 +38,6 @@ ConfigSource::ConfigSource(const std::string& given) : word(given), target(given
 /// The library is given the paths of folders and devices in UTF-8; texts are read by the command.
 void ConfigSource::CheckPath() const {
     if (!IsText()) CheckUtf8(target);
-}
-
-void CheckUtf8(const std::string& path) {
-    if (VEMO::Kes::ConfigurationTools::HostString(path).ToNarrow() == path) return;
-    throw Failure(EXIT_USAGE, path + ": is not UTF-8, as the path of a folder, device or database has to be");
 }
 
 }  // namespace kes::tool

@@ -49,7 +49,4 @@ private:
     void CheckPath() const;
 };
 
-/// Refuses a path that cannot pass the library unchanged. Throws `Failure`.
-void CheckUtf8(const std::string& path);
-
 }  // namespace kes::tool

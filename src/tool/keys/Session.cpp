@@ -2,7 +2,6 @@
 
 #include "facade/Framework.h"
 #include "messages/CTheMsgHnd.h"
-#include "tool/config/ConfigSource.h"
 #include "tool/keys/Listener.h"
 #include "tool/output/ExitCodes.h"
 #include "tool/output/NearNames.h"
@@ -118,6 +117,11 @@ std::vector<std::string> Session::KeyNames(const api::Chip& chip) {
         for (const auto& key : Keys(chip, *subsystem)) names.push_back(Text(key->Name()));
     }
     return names;
+}
+
+void CheckUtf8(const std::string& path) {
+    if (api::HostString(path).ToNarrow() == path) return;
+    throw Failure(EXIT_USAGE, path + ": is not UTF-8, as the path of a folder, device or database has to be");
 }
 
 }  // namespace kes::tool

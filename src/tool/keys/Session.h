@@ -50,6 +50,9 @@ private:
     std::vector<std::shared_ptr<api::Chip>> mChips;
 };
 
+/// Refuses a path that cannot pass the library unchanged. Throws `Failure`.
+void CheckUtf8(const std::string& path);
+
 /// The text of a host string that may be null.
 std::string Text(const api::HostString& text);
 

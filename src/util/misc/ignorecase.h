@@ -4,7 +4,7 @@
 
 namespace VemoKesConfigTools {
 
-/// Whether two texts are equal when the case of ASCII letters does not count.
+/// Whether two texts are equal, ignoring the case of ASCII letters.
 constexpr bool EqualsIgnoringCase(std::string_view left, std::string_view right) {
     if (left.size() != right.size()) return false;
     for (std::size_t i = 0; i < left.size(); ++i) {

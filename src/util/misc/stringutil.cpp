@@ -13,7 +13,7 @@
 #include <sstream>
 #include <type_traits>
 
-// The trace costs one test while debug is off.
+// While debug is off, tracing costs one test.
 #define STRINGUTIL_SENTRY(function)                                                                       \
     const CDebugSentry sentry(CTheMsgHnd::DebugActivated() ? &Handler("stringutil::" function) : nullptr, \
                               __LINE__, __FILE__, "stringutil::" function)
@@ -34,7 +34,7 @@ CMessageHandler& Handler(const char* function) {
     return CTheMsgHnd::GetAppropriateHandler(CMessageHandler::GROUP_STRINGUTIL, function, false);
 }
 
-/// Runs a function under a sentry that shows its result. `line` is where the function begins.
+/// Runs a function with a sentry that traces its result. `line` is the first line of the function.
 template <typename Function>
 auto Traced(const char* name, std::uint32_t line, Function function) {
     decltype(function()) result{};
@@ -64,7 +64,7 @@ bool IsIn(Char c, char first, char last) {
     return c >= Char(first) && c <= Char(last);
 }
 
-/// -1 for a character that is no hexadecimal digit.
+/// The value of a hexadecimal digit; -1 for any other character.
 template <typename Char>
 std::int32_t DigitOf(Char c) {
     if (IsIn(c, '0', '9')) return static_cast<std::int32_t>(c - Char('0'));
@@ -78,7 +78,7 @@ bool IsDigit(Char c) {
     return DigitOf(c) >= 0;
 }
 
-/// Lower-case digits, at least two.
+/// Appends lower-case hexadecimal digits, at least two.
 template <typename Char>
 void AppendHex(Text<Char>& text, std::uint32_t value) {
     std::uint32_t shift = 4;
@@ -115,7 +115,7 @@ void WriteHex(std::basic_ostream<Char>& stream, std::int32_t number, std::int32_
     STRINGUTIL_TRACE(1, "WriteHexNumberToStream", "aNumberOfDigits=%d", digits);
     STRINGUTIL_TRACE(1, "WriteHexNumberToStream", "aAddPrefix=%s", prefix ? "true" : "false");
     const std::ios_base::fmtflags flags = stream.flags();
-    // The stream's own locale might group the digits.
+    // The locale of the stream might group digits.
     const std::locale locale = stream.imbue(std::locale::classic());
     if (prefix) stream << Text<Char>{Char('0'), Char('x')};
     const Char fill = stream.fill(Char('0'));
@@ -156,7 +156,7 @@ std::uint32_t ReadHex(const Text<Char>& text) {
     });
 }
 
-/// Whether "0x" and two digits stand at `i`, apart from all else.
+/// Whether there is "0x" and two digits at `i`, delimited by whitespace or the ends of the text.
 template <typename Char>
 bool IsPrefixedOctet(const Text<Char>& text, std::size_t i) {
     return i + 3 < text.size() && text[i] == Char('0') && text[i + 1] == Char('x') && IsDigit(text[i + 2]) &&
@@ -206,7 +206,7 @@ Text<Char> WriteCharacters(const Text<Char>& text) {
 long long ToNumber(const char* text, char** end) { return std::strtoll(text, end, 0); }
 long long ToNumber(const wchar_t* text, wchar_t** end) { return std::wcstoll(text, end, 0); }
 
-/// `long` has 64 bits on some systems; the limits are those of 32 bits on all of them.
+/// Limited to 32 bits explicitly, since `long` has 64 bits on some systems.
 template <typename Char>
 bool ReadInteger(const Text<Char>& text, std::int32_t& value) {
     if (text.empty()) return false;
@@ -226,7 +226,7 @@ Text<Char> Pad(Text<Char> text, Char pad, std::uint32_t length, bool left) {
     });
 }
 
-/// Calls `use` on each piece that is not empty until it returns false.
+/// Calls `use` for each non-empty piece until it returns false.
 template <typename Char, typename Use>
 bool ForEachPiece(const Text<Char>& text, Char delimiter, Use use) {
     std::size_t begin = 0;
